@@ -1,0 +1,59 @@
+#pragma once
+// The base of every editor dialog: OK (modal result 1, default), Abbrechen (modal result 2, cancel),
+// a help button, Escape closes, Enter confirms. Subclasses lay out their controls and move texts
+// between controls and the command's fields in LoadFields / StoreFields.
+#include "framework/editorform.h"
+
+#include <QDialog>
+#include <QPushButton>
+
+class QBoxLayout;
+class QVBoxLayout;
+
+namespace dv {
+
+// The host's help button: carries the dialog's help context.
+class TDVHelpButton : public QPushButton {
+    Q_OBJECT
+public:
+    explicit TDVHelpButton(int helpContext, QWidget* parent = nullptr);
+    int HelpContext() const { return helpContext_; }
+
+private:
+    int helpContext_;
+};
+
+class TDVForm : public QDialog, public TDVEditorForm {
+    Q_OBJECT
+public:
+    static constexpr int mrOk = 1;
+    static constexpr int mrCancel = 2;
+
+    TDVForm(const QString& formClass, const QString& caption, int helpContext, QWidget* parent = nullptr);
+
+    bool ShowModal() override;
+
+    // The area above the button row where a dialog puts its controls.
+    QVBoxLayout* Body() const { return body_; }
+    QBoxLayout* ButtonRow() const { return buttons_; }
+    QPushButton* OkButton() const { return ok_; }
+    QPushButton* CancelButton() const { return cancel_; }
+
+protected:
+    // Fields -> controls, before the dialog shows.
+    virtual void LoadFields() = 0;
+    // Controls -> fields, when OK closed the dialog.
+    virtual void StoreFields() = 0;
+    // Called when the dialog is closed by Abbrechen or Escape.
+    virtual void Cancelled() {}
+    // Offers the script's variables in every line edit of the dialog (host's variable picker).
+    void AttachVariableEditors();
+
+private:
+    QVBoxLayout* body_;
+    QBoxLayout* buttons_;
+    QPushButton* ok_;
+    QPushButton* cancel_;
+};
+
+}  // namespace dv

@@ -1,0 +1,12 @@
+#include "framework/parser.h"
+
+namespace dv {
+
+TValuePtr TDVAbsyArray::Evaluate() const
+{
+    auto array = std::make_unique<TArrayValue>();
+    for (std::size_t i = 1; i < elements_.size(); ++i) array->Append(elements_[i]->Evaluate());
+    return array;
+}
+
+}  // namespace dv
