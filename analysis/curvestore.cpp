@@ -5,7 +5,20 @@
 
 namespace dv::analysis {
 
-double StrToFloatP(const QString& s);  // Curvefunctions
+int RangeFrom = 0;
+int RangeTo = 0;
+
+TCurveStore& ScopeStore()
+{
+    static TCurveStore store;
+    return store;
+}
+
+TScopeSettings& ScopeSettings()
+{
+    static TScopeSettings settings;
+    return settings;
+}
 
 const TCurveStore::Curve& TCurveStore::At(int handle) const
 {

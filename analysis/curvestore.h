@@ -77,4 +77,24 @@ private:
     QString clipStop_;
 };
 
+// The scope window is one instance per library: its curves and settings are process-wide.
+TCurveStore& ScopeStore();
+
+// Setting texts of the scope that measurements read with StrToFloatP.
+struct TScopeSettings {
+    QString _Abtastrate;  // sample rate, Hz
+    QString _Bandbreite;  // notch width for SINAD, Hz
+    QString _Nutzsignal;  // frequency of the useful signal, Hz; may be empty
+    unsigned char _FFTWindow = 0;
+};
+TScopeSettings& ScopeSettings();
+
+// The measurement range of the curve functions (sample indices), reloaded by every function.
+extern int RangeFrom;
+extern int RangeTo;
+
+// Reads a user-typed number: "," is the decimal separator unless the text holds a "."; an
+// unreadable text gives 0, never an error.
+double StrToFloatP(const QString& s);
+
 }  // namespace dv::analysis

@@ -1,9 +1,11 @@
+#include "analysis/curvestore.h"
+
 #include <QString>
 
 namespace dv::analysis {
 
-// Reads a user-typed number: "," is the decimal separator unless the text holds a "."; an
-// unreadable text gives 0, never an error.
+
+
 double StrToFloatP(const QString& s)
 {
     QString t = s.trimmed();
