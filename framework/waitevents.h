@@ -1,5 +1,7 @@
 #pragma once
 // Waits on several descriptors and the run's stop event at once, without polling a CPU core.
+#include <poll.h>
+
 #include <initializer_list>
 
 namespace dv {

@@ -1,0 +1,60 @@
+#include "framework/exceptions.h"
+#include "framework/runedit.h"
+
+#include <gtest/gtest.h>
+
+namespace dv {
+namespace {
+
+class TDVCmdPlain : public TDVThreadRunEdit {
+public:
+    TDVCmdPlain() : TDVThreadRunEdit("procedure Plain(A: String; B: Number = 3; var C: String);", "TFormPlain", nullptr) {}
+};
+
+TEST(RunEditTest, EditWithoutAGuiFailsClearlyAndLeavesTheList)
+{
+    TDVCmdPlain command;
+    TParamList params;
+    params.AddString("A", "x");
+    try {
+        command.Edit(params);
+        ADD_FAILURE() << "Edit ran without a GUI";
+    } catch (const TDravikException& e) {
+        EXPECT_TRUE(e.Message().contains("TFormPlain")) << e.what();
+    }
+    EXPECT_EQ(params.GetString("A"), "x");
+    EXPECT_EQ(params.Count(), 1);
+}
+
+TEST(RunEditTest, DefaultBindingCopiesOneFieldPerParameterInSignatureOrder)
+{
+    TDVCmdPlain command;
+    TParamList in;
+    in.AddString("C", "Ziel");
+    in.AddString("A", "x");
+    in.AddString("Fremd", "y");
+    command.SetParams(in);
+    TParamList out;
+    command.ReadParams(out);
+    EXPECT_EQ(out.Names(), QStringList({"A", "B", "C"}));
+    EXPECT_EQ(out.GetString("A"), "x");
+    EXPECT_EQ(out.GetString("B"), "");
+    EXPECT_EQ(out.GetString("C"), "Ziel");
+}
+
+TEST(RunEditTest, DefaultsAndParameterCheck)
+{
+    TDVCmdPlain command;
+    TParamList params;
+    params.AddString("A", "x");
+    EXPECT_FALSE(command.CheckParams(params));  // C has no default
+    params.AddString("C", "Ziel");
+    EXPECT_TRUE(command.CheckParams(params));
+    command.AddDefaults(params);
+    EXPECT_EQ(params.GetString("B"), "3");
+    EXPECT_EQ(command.GetID(), "Plain");
+    EXPECT_FALSE(command.DecodeScript("Plain(1, 2);", params, nullptr));
+}
+
+}  // namespace
+}  // namespace dv
