@@ -89,7 +89,9 @@ TEST_F(CallNamedPipeFormTest, LabelsAndVariableEditors)
 {
     TParamList params;
     QStringList labels;
+    int helpContext = 0;
     QTimer::singleShot(0, [&] {
+        helpContext = Child<TDVHelpButton>("DVHelpButton")->HelpContext();
         for (const char* name : {"DVEdit_Name", "DVEdit_Call", "DVEdit_Result"}) {
             for (QLabel* label : Modal()->findChildren<QLabel*>()) {
                 if (label->buddy() == Child<QLineEdit>(name)) labels << label->text();
@@ -100,6 +102,7 @@ TEST_F(CallNamedPipeFormTest, LabelsAndVariableEditors)
     command.Edit(params);
     EXPECT_EQ(labels, (QStringList{"Name der Pipe", "Zu schreibenden Text", "Ergebnis-Variable"}));
     EXPECT_EQ(host.attached.size(), 3u);
+    EXPECT_EQ(helpContext, 191);
 }
 
 TEST_F(CallNamedPipeFormTest, TestButtonShowsTheReplyOrTheFailure)
