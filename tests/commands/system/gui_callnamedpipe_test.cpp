@@ -1,6 +1,5 @@
 #include "commands/system/gui_callnamedpipe.h"
 #include "framework/exceptions.h"
-#include "framework/registry.h"
 #include "tests/commands/system/testservers.h"
 #include "tests/support/testhost.h"
 
@@ -90,27 +89,6 @@ TEST_F(CallNamedPipeTest, StoppingTheRunStoresAnEmptyReply)
     EXPECT_EQ(host.setVariableCalls, QStringList{"Antwort"});
 }
 
-TEST_F(CallNamedPipeTest, DefaultsEmptyEveryField)
-{
-    command.SetFields({"a", "b", "c"});
-    command.SetDefaults();
-    EXPECT_EQ(command.Fields(), TDVCmdCallNamedPipe::TFields{});
-}
-
-TEST_F(CallNamedPipeTest, TheParameterListRoundTripsThroughTheFields)
-{
-    TParamList in;
-    in.AddString("Name", "\"demo\"");
-    in.AddString("Call", "\"PING\"");
-    in.AddString("Result", "Antwort");
-    command.SetParams(in);
-    EXPECT_EQ(command.Fields(), (TDVCmdCallNamedPipe::TFields{"\"demo\"", "\"PING\"", "Antwort"}));
-    TParamList out;
-    command.ReadParams(out);
-    EXPECT_EQ(out, in);
-    EXPECT_EQ(out.Names(), (QStringList{"Name", "Call", "Result"}));
-}
-
 TEST_F(CallNamedPipeTest, TheEchoServerAnswersWithTheSameText)
 {
     const QString name = TPipeServer::UniqueName();
@@ -123,17 +101,6 @@ TEST_F(CallNamedPipeTest, TheEchoServerAnswersWithTheSameText)
     echo.terminate();
     ASSERT_TRUE(echo.waitForFinished(5000));
     EXPECT_FALSE(QFile::exists(localpipe::EndpointPath(name)));  // the server removes its endpoint
-}
-
-TEST(CallNamedPipeCatalogueTest, IsAvailableAsAThreadCommand)
-{
-    auto command = CreateCommand("TDVCmdCallNamedPipe", nullptr);
-    ASSERT_NE(command, nullptr);
-    auto* threaded = dynamic_cast<TDVThreadRunEdit*>(command.get());
-    ASSERT_NE(threaded, nullptr);
-    EXPECT_EQ(threaded->GetID(), "CallNamedPipe");
-    EXPECT_EQ(threaded->Signature().ParamNames(), (QStringList{"Name", "Call", "Result"}));
-    EXPECT_EQ(dynamic_cast<TDVFuncRunEdit*>(command.get()), nullptr);
 }
 
 }  // namespace

@@ -62,24 +62,5 @@ TEST(TcpFormTest, ANewCallOffersTheLineFeedSentinelAndStoresEveryParameter)
     EXPECT_EQ(host.attached.size(), 5u);
 }
 
-TEST(TcpFormTest, EditShowsTheListAndEscapeChangesNothing)
-{
-    test::TTestHost host;
-    TDVCmdTCP command(&host);
-    TParamList params;
-    const QStringList texts{"host", "23", "\"x\"", "\"END\"", "R"};
-    for (qsizetype i = 0; i < kParams.size(); ++i) params.AddString(kParams[i], texts[i]);
-    const TParamList before = params;
-    QStringList shown;
-    QTimer::singleShot(0, [&] {
-        for (const QString& p : kParams) shown << Edit(p)->text();
-        QTest::keyClicks(Edit("Port"), "99");
-        QTest::keyClick(Modal(), Qt::Key_Escape);
-    });
-    EXPECT_FALSE(command.Edit(params));
-    EXPECT_EQ(shown, texts);
-    EXPECT_EQ(params, before);
-}
-
 }  // namespace
 }  // namespace dv

@@ -86,17 +86,6 @@ TEST_F(TcpCommandTest, SendGoesOutAsUtf8WithoutALineEnding)
     EXPECT_EQ(received, QByteArray("Gr\xC3\xBC\xC3\x9F" "e"));
 }
 
-TEST_F(TcpCommandTest, ASlowServerIsAwaited)
-{
-    TTcpServer server([](int fd, const TRunControl& quit) {
-        test::ReceiveSome(fd, quit);
-        if (quit.WaitForStop(250)) return;
-        test::SendBytes(fd, "late\n");
-    });
-    Run(server.Port(), "x");
-    EXPECT_EQ(host.ValueText("Antwort"), "late");
-}
-
 TEST_F(TcpCommandTest, ADisconnectBeforeTheSentinelFailsAndWritesNothing)
 {
     TTcpServer server([](int fd, const TRunControl& quit) {
@@ -163,28 +152,9 @@ TEST_F(TcpCommandTest, PortTexts)
     }
 }
 
-TEST_F(TcpCommandTest, ANewCallAwaitsALine)
-{
-    command.SetFields({"h", "1", "s", "x", "r"});
-    command.SetDefaults();
-    TDVCmdTCP::TFields expected;
-    expected.sentinel = "[10]";
-    EXPECT_EQ(command.Fields(), expected);
-}
-
 TEST_F(TcpCommandTest, TheEchoServerAnswersWithTheSameText)
 {
-    // A port that was free a moment ago.
-    TSocketFd probe(::socket(AF_INET, SOCK_STREAM, 0));
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t size = sizeof address;
-    ASSERT_EQ(::bind(probe.Get(), reinterpret_cast<sockaddr*>(&address), size), 0);
-    ASSERT_EQ(::getsockname(probe.Get(), reinterpret_cast<sockaddr*>(&address), &size), 0);
-    const int port = ntohs(address.sin_port);
-    probe.Reset();
-
+    const int port = test::FreeLoopbackPort();
     QProcess echo;
     echo.start(QStringLiteral(DV_PIPE_ECHO), {"--tcp", QString::number(port), "--exit-after", "20"});
     ASSERT_TRUE(echo.waitForReadyRead(5000)) << "dvpipe-echo did not start";
@@ -195,16 +165,18 @@ TEST_F(TcpCommandTest, TheEchoServerAnswersWithTheSameText)
     EXPECT_TRUE(echo.waitForFinished(5000));
 }
 
-TEST(TcpCatalogueTest, IsAvailableAsAThreadCommandWithALineFeedDefault)
+TEST(IpcCatalogueTest, BothCommandsAreAvailableAsThreadCommands)
 {
-    auto command = CreateCommand("TDVCmdTCP", nullptr);
-    ASSERT_NE(command, nullptr);
-    auto* threaded = dynamic_cast<TDVThreadRunEdit*>(command.get());
-    ASSERT_NE(threaded, nullptr);
-    EXPECT_EQ(threaded->Signature().ParamNames(), (QStringList{"Host", "Port", "Send", "Sentinel", "Result"}));
+    for (const char* commandClass : {"TDVCmdCallNamedPipe", "TDVCmdTCP"}) {
+        auto command = CreateCommand(commandClass, nullptr);
+        ASSERT_NE(command, nullptr) << commandClass;
+        EXPECT_NE(dynamic_cast<TDVThreadRunEdit*>(command.get()), nullptr) << commandClass;
+        EXPECT_EQ(dynamic_cast<TDVFuncRunEdit*>(command.get()), nullptr) << commandClass;
+    }
+    // The signature's default reaches a call that leaves Sentinel out, and means a line feed.
+    TDVCmdTCP tcp(nullptr);
     TParamList params;
-    threaded->AddDefaults(params);
-    EXPECT_EQ(params.GetString("Sentinel"), "[10]");
+    tcp.AddDefaults(params);
     EXPECT_EQ(tcpclient::SentinelText(params.GetString("Sentinel")), "\n");
 }
 

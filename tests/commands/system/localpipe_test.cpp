@@ -140,12 +140,7 @@ TEST(LocalPipeTest, ABusyPipeFailsWithTheBusyTextWhenTheWaitExpires)
     const QString name = TPipeServer::UniqueName();
     const TSocketFd listener = ListenEndpoint(name, 0);
     const QString path = EndpointPath(name);
-    TSocketFd filler(::socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0));
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    const QByteArray bytes = QFile::encodeName(path);
-    std::copy(bytes.begin(), bytes.end(), address.sun_path);
-    ASSERT_EQ(::connect(filler.Get(), reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+    const TSocketFd filler = test::ConnectFiller(path);
 
     const auto start = Clock::now();
     const QString failure = FailureOf([&] { Transact(path, "x", nullptr, {50, 300}); });
@@ -158,13 +153,8 @@ TEST(LocalPipeTest, APipeThatFreesUpWithinTheLimitIsServed)
 {
     // The server starts accepting 250 ms late; until then the filler keeps the pipe busy.
     TPipeServer server([](int fd, const TRunControl& quit) { Echo(fd, quit); }, 0, 250);
-    TSocketFd filler(::socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0));
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    const QByteArray bytes = QFile::encodeName(server.Path());
-    std::copy(bytes.begin(), bytes.end(), address.sun_path);
-    ASSERT_EQ(::connect(filler.Get(), reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
-    ::send(filler.Get(), "filler", 6, 0);
+    const TSocketFd filler = test::ConnectFiller(server.Path());
+    test::SendBytes(filler.Get(), "filler");
 
     EXPECT_EQ(Transact(server.Path(), "patient", nullptr, {50, 2000}), "patient");
 }

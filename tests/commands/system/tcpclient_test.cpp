@@ -1,6 +1,7 @@
 #include "commands/system/tcpclient.h"
 #include "framework/exceptions.h"
 #include "framework/services.h"
+#include "tests/commands/system/testservers.h"
 
 #include <gtest/gtest.h>
 
@@ -168,16 +169,7 @@ TEST(TcpClientTest, ConnectFailuresNameHostAndPort)
 {
     EXPECT_TRUE(FailureOf([] { Connect("", 80, nullptr); }).contains("kein Host"));
 
-    // A port that was just free: nobody listens there.
-    TSocketFd probe(::socket(AF_INET, SOCK_STREAM, 0));
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t size = sizeof address;
-    ASSERT_EQ(::bind(probe.Get(), reinterpret_cast<sockaddr*>(&address), size), 0);
-    ASSERT_EQ(::getsockname(probe.Get(), reinterpret_cast<sockaddr*>(&address), &size), 0);
-    const int port = ntohs(address.sin_port);
-    probe.Reset();
+    const int port = test::FreeLoopbackPort();  // nobody listens there
     const QString failure = FailureOf([&] { Connect("127.0.0.1", port, nullptr); });
     EXPECT_EQ(failure, QString("TCP: Keine Verbindung zu 127.0.0.1:%1: %2").arg(port).arg(qt_error_string(ECONNREFUSED)));
 }

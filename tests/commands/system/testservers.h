@@ -11,10 +11,13 @@
 #include <netinet/in.h>
 #include <poll.h>
 #include <sys/socket.h>
+#include <sys/un.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <functional>
+#include <stdexcept>
 #include <thread>
 
 namespace dv::test {
@@ -109,6 +112,35 @@ inline QByteArray ReceiveSome(int fd, const TRunControl& quit)
 inline void SendBytes(int fd, const QByteArray& bytes)
 {
     ::send(fd, bytes.constData(), static_cast<size_t>(bytes.size()), MSG_NOSIGNAL);
+}
+
+// A client that connects to a pipe endpoint and is never served: it takes a place in the queue.
+inline TSocketFd ConnectFiller(const QString& endpointPath)
+{
+    TSocketFd fd(::socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0));
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    const QByteArray bytes = QFile::encodeName(endpointPath);
+    std::copy(bytes.begin(), bytes.end(), address.sun_path);
+    if (::connect(fd.Get(), reinterpret_cast<sockaddr*>(&address), sizeof address) != 0) {
+        throw std::runtime_error("test pipe filler: cannot connect");
+    }
+    return fd;
+}
+
+// A loopback port that was free a moment ago.
+inline int FreeLoopbackPort()
+{
+    TSocketFd probe(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t size = sizeof address;
+    if (::bind(probe.Get(), reinterpret_cast<sockaddr*>(&address), size) != 0 ||
+        ::getsockname(probe.Get(), reinterpret_cast<sockaddr*>(&address), &size) != 0) {
+        throw std::runtime_error("test: no free loopback port");
+    }
+    return ntohs(address.sin_port);
 }
 
 }  // namespace dv::test
