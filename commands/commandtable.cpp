@@ -1,4 +1,6 @@
 // The command classes this library builds; one row per command, added with the command.
+#include "commands/system/gui_callnamedpipe.h"
+#include "commands/system/gui_tcp.h"
 #include "framework/dvmiscfunctions.h"
 #include "framework/registry.h"
 
@@ -10,6 +12,8 @@ namespace {
 constexpr std::array kCommandClasses{
     TCommandClass{"TDVShowLaborCommand", &Construct<TDVShowLaborCommand>},
     TCommandClass{"TDVHideLaborCommand", &Construct<TDVHideLaborCommand>},
+    TCommandClass{"TDVCmdCallNamedPipe", &Construct<TDVCmdCallNamedPipe>},
+    TCommandClass{"TDVCmdTCP", &Construct<TDVCmdTCP>},
 };
 }  // namespace
 

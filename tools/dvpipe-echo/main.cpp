@@ -1,0 +1,136 @@
+// dvpipe-echo: answers CallNamedPipe and TCP for tests and examples.
+//   dvpipe-echo [--pipe NAME] [--tcp PORT] [--exit-after SECONDS]
+// A pipe message is answered with the same bytes, one reply per connection. Each piece of data that
+// arrives on a TCP connection is answered with the same bytes followed by CR LF, so a TCP call with
+// the default sentinel gets back what it sent. "ready" on stdout says both are listening; SIGINT,
+// SIGTERM or the time limit end the server and remove the pipe endpoint.
+#include "commands/system/localpipe.h"
+#include "framework/exceptions.h"
+
+#include <QByteArray>
+#include <QCoreApplication>
+#include <QFile>
+#include <QStringList>
+
+#include <netinet/in.h>
+#include <poll.h>
+#include <signal.h>
+#include <sys/socket.h>
+
+#include <cerrno>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <vector>
+
+namespace {
+
+volatile sig_atomic_t g_quit = 0;
+void OnSignal(int) { g_quit = 1; }
+
+struct TOptions {
+    QString pipe;
+    int tcpPort = 0;
+    int exitAfterSeconds = 0;  // 0: no limit
+};
+
+bool ReadOptions(const QStringList& args, TOptions& options)
+{
+    for (qsizetype i = 0; i + 1 < args.size(); i += 2) {
+        bool ok = true;
+        if (args[i] == QStringLiteral("--pipe")) options.pipe = args[i + 1];
+        else if (args[i] == QStringLiteral("--tcp")) options.tcpPort = args[i + 1].toInt(&ok);
+        else if (args[i] == QStringLiteral("--exit-after")) options.exitAfterSeconds = args[i + 1].toInt(&ok);
+        else return false;
+        if (!ok) return false;
+    }
+    return args.size() % 2 == 0 && (!options.pipe.isEmpty() || options.tcpPort > 0);
+}
+
+dv::TSocketFd ListenTcp(int port)
+{
+    dv::TSocketFd fd(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    const int yes = 1;
+    ::setsockopt(fd.Get(), SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(static_cast<uint16_t>(port));
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    if (::bind(fd.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 || ::listen(fd.Get(), 16) != 0) {
+        std::fprintf(stderr, "dvpipe-echo: TCP port %d: %s\n", port, std::strerror(errno));
+        std::exit(1);
+    }
+    return fd;
+}
+
+struct TClient {
+    dv::TSocketFd fd;
+    bool pipe;
+};
+
+// Answers one readable client; false when the connection is done.
+bool Answer(TClient& client)
+{
+    char buffer[65536];
+    const ssize_t n = ::recv(client.fd.Get(), buffer, sizeof buffer, 0);
+    if (n < 0) return errno == EINTR;
+    if (client.pipe) {
+        ::send(client.fd.Get(), buffer, static_cast<size_t>(n), MSG_NOSIGNAL);
+        return false;
+    }
+    if (n == 0) return false;
+    QByteArray reply(buffer, n);
+    reply += "\r\n";
+    return ::send(client.fd.Get(), reply.constData(), static_cast<size_t>(reply.size()), MSG_NOSIGNAL) == reply.size();
+}
+
+}  // namespace
+
+int main(int argc, char** argv)
+{
+    QCoreApplication app(argc, argv);
+    TOptions options;
+    if (!ReadOptions(app.arguments().mid(1), options)) {
+        std::fputs("usage: dvpipe-echo [--pipe NAME] [--tcp PORT] [--exit-after SECONDS]\n", stderr);
+        return 2;
+    }
+    signal(SIGINT, OnSignal);
+    signal(SIGTERM, OnSignal);
+    signal(SIGPIPE, SIG_IGN);
+
+    dv::TSocketFd pipeListener;
+    dv::TSocketFd tcpListener;
+    QString pipePath;
+    try {
+        if (!options.pipe.isEmpty()) {
+            pipePath = dv::localpipe::EndpointPath(dv::localpipe::EndpointName(options.pipe));
+            pipeListener = dv::localpipe::ListenEndpoint(dv::localpipe::EndpointName(options.pipe));
+        }
+    } catch (const dv::TDravikException& e) {
+        std::fprintf(stderr, "dvpipe-echo: %s\n", e.what());
+        return 1;
+    }
+    if (options.tcpPort > 0) tcpListener = ListenTcp(options.tcpPort);
+    std::puts("ready");
+    std::fflush(stdout);
+
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(options.exitAfterSeconds);
+    std::vector<TClient> clients;
+    while (!g_quit) {
+        if (options.exitAfterSeconds > 0 && std::chrono::steady_clock::now() >= deadline) break;
+        std::vector<pollfd> polls{{pipeListener.Get(), POLLIN, 0}, {tcpListener.Get(), POLLIN, 0}};
+        for (const TClient& c : clients) polls.push_back({c.fd.Get(), POLLIN, 0});
+        if (::poll(polls.data(), polls.size(), 200) <= 0) continue;
+        for (std::size_t i = clients.size(); i-- > 0;) {
+            if (polls[i + 2].revents && !Answer(clients[i])) clients.erase(clients.begin() + static_cast<std::ptrdiff_t>(i));
+        }
+        for (int l = 0; l < 2; ++l) {
+            if (!(polls[static_cast<std::size_t>(l)].revents & POLLIN)) continue;
+            dv::TSocketFd accepted(::accept4(polls[static_cast<std::size_t>(l)].fd, nullptr, nullptr, SOCK_CLOEXEC));
+            if (accepted.Valid()) clients.push_back({std::move(accepted), l == 0});
+        }
+    }
+    if (!pipePath.isEmpty()) QFile::remove(pipePath);
+    return 0;
+}
