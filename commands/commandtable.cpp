@@ -1,4 +1,7 @@
 // The command classes this library builds; one row per command, added with the command.
+#include "commands/system/gui_exec.h"
+#include "commands/system/gui_inifile.h"
+#include "commands/system/gui_sysutils.h"
 #include "framework/dvmiscfunctions.h"
 #include "framework/registry.h"
 
@@ -10,6 +13,9 @@ namespace {
 constexpr std::array kCommandClasses{
     TCommandClass{"TDVShowLaborCommand", &Construct<TDVShowLaborCommand>},
     TCommandClass{"TDVHideLaborCommand", &Construct<TDVHideLaborCommand>},
+    TCommandClass{"TDVCmdStartEXE", &Construct<TDVCmdStartEXE>},
+    TCommandClass{"TDVCmdSystemUtilities", &Construct<TDVCmdSystemUtilities>},
+    TCommandClass{"TDVCmdIniFiles", &Construct<TDVCmdIniFiles>},
 };
 }  // namespace
 
