@@ -154,7 +154,7 @@ TEST_F(SysUtilsRunTest, FileInUse)
     mine.close();
 
     TChildProcess holder;
-    ASSERT_EQ(holder.Start({"sh", "-c", "exec 3<\"$0\"; echo ready > \"$0.ready\"; sleep 30", file}, {}), "");
+    ASSERT_EQ(holder.Start({"sh", "-c", "exec 3<\"$0\"; echo ready > \"$0.ready\"; exec sleep 30", file}, {}), "");
     for (int i = 0; i < 300 && !QFile::exists(file + ".ready"); ++i) std::this_thread::sleep_for(std::chrono::milliseconds(10));
     EXPECT_EQ(Run("FileInUse", file), "True");
     holder.AskToTerminate();
