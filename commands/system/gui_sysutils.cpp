@@ -95,6 +95,14 @@ bool TDVCmdSystemUtilities::DecodeScript(const QString& script, TParamList& para
     return true;
 }
 
+QStringList TDVCmdSystemUtilities::OlderNames() const
+{
+    // The older form called each sub-command as a procedure of its own: "FileExist(...)".
+    QStringList names;
+    for (TSysUtilSubcommand c : kSysUtilOlderOrder) names << QLatin1String(SysUtilRow(c).keyword).mid(1).chopped(1);
+    return names;
+}
+
 void TDVCmdSystemUtilities::Run(TParamList& params)
 {
     SetParams(params);

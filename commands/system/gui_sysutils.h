@@ -88,6 +88,7 @@ public:
     void SetParams(const TParamList& params) override;
     void ReadParams(TParamList& params) override;
     bool DecodeScript(const QString& script, TParamList& params, TDVScriptImporter* importer) override;
+    QStringList OlderNames() const override;
     void Run(TParamList& params) override;
 
 private:

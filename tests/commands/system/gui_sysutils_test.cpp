@@ -221,6 +221,10 @@ TEST(SysUtilsParamsTest, OlderLineForms)
         {"DestroyWindow(77):b;", "\"DestroyWindow\"", "77", "b", ""},
         {"FileDate(x):d;", "\"FileExist\"", "x", "d", ""},  // FileDate has no older form
     };
+    const QStringList older = TDVCmdSystemUtilities(nullptr).OlderNames();
+    EXPECT_EQ(older.size(), 10);
+    EXPECT_TRUE(older.contains("FileExist") && older.contains("DestroyWindow"));
+    EXPECT_FALSE(older.contains("FileDate"));
     for (const Row& r : rows) {
         TDVCmdSystemUtilities utils(nullptr);
         TParamList p;
