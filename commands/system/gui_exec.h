@@ -1,0 +1,60 @@
+#pragma once
+// Exec: starts another program, waits for it with a time-out while watching the run's stop event,
+// optionally asks it to close, and writes a number that encodes the outcome.
+#include "framework/runedit.h"
+
+#include <cstdint>
+
+namespace dv {
+
+// The wait limit in milliseconds: (timeOut + delay) seconds rounded, as an unsigned 32-bit count;
+// a negative sum wraps round to a wait of about 49 days (-1 s gives 4294966296 ms).
+std::uint32_t ExecWaitLimitMs(long double timeOutSeconds, long double delaySeconds);
+// The result of a program that ended with exitCode: 0 for 0, else exitCode - 65536.
+std::int32_t ExecResultOf(int exitCode);
+inline constexpr std::int32_t kExecNotEnded = -2;  // time-out or stop event
+// The working directory used when none is given: the path part of ExePath as written.
+QString ExecDefaultWorkDir(const QString& exePath);
+// ExePath, and " " + Params when Params is not empty.
+QString ExecCommandLine(const QString& exePath, const QString& params);
+
+class TDVCmdStartEXE : public TDVThreadRunEdit {
+public:
+    static constexpr const char* kSignature =
+        "procedure Exec(ExePath : string; Params : string = ; WorkDir : string = ; var Return : Number = ; TimeOut : Number = 0; Hide : Boolean = False; Delay : Number = 0; Minimized : Boolean = False; Kill : Boolean = False);";
+
+    // The editor's view of a call: Delay is folded into a whole number of seconds.
+    struct TFields {
+        QString exePath;
+        QString params;
+        QString workDir;
+        QString returnVar;
+        bool waitForExit = false;
+        int timeOut = 0;  // seconds, -1 to 32000
+        bool hide = false;
+        bool minimized = false;
+        bool kill = false;
+        bool operator==(const TFields&) const = default;
+    };
+
+    explicit TDVCmdStartEXE(TDVParser* parser);
+
+    const TFields& Fields() const { return fields_; }
+    void SetFields(const TFields& fields) { fields_ = fields; }
+
+    void SetParams(const TParamList& params) override;
+    void ReadParams(TParamList& params) override;
+    bool DecodeScript(const QString& script, TParamList& params, TDVScriptImporter* importer) override;
+    void RunThreaded(TParamList& params) override;
+
+    // The editor's Test button: runs the call the dialog holds and returns "ExitCode = %d" with
+    // the last result.
+    QString OnEditorTest();
+    // The result of the last run in this process.
+    static std::int32_t LastResult();
+
+private:
+    TFields fields_;
+};
+
+}  // namespace dv

@@ -1,0 +1,208 @@
+#include "commands/system/platform_files.h"
+
+#include <QFileInfo>
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+namespace dv {
+
+namespace {
+
+QString ErrorText(int error) { return QString::fromLocal8Bit(std::strerror(error)); }
+
+bool IsNumber(const char* name)
+{
+    if (!*name) return false;
+    for (; *name; ++name) {
+        if (*name < '0' || *name > '9') return false;
+    }
+    return true;
+}
+
+// Another process with a descriptor on the same file (device and inode). Processes of other users
+// whose descriptors we may not read are skipped; their locks are still seen by HoldsLock.
+bool OpenedElsewhere(const struct stat& file)
+{
+    DIR* proc = ::opendir("/proc");
+    if (!proc) return false;
+    const std::string self = std::to_string(::getpid());
+    bool found = false;
+    while (!found) {
+        const dirent* process = ::readdir(proc);
+        if (!process) break;
+        if (!IsNumber(process->d_name) || self == process->d_name) continue;
+        const std::string fdDir = std::string("/proc/") + process->d_name + "/fd";
+        DIR* fds = ::opendir(fdDir.c_str());
+        if (!fds) continue;
+        while (const dirent* fd = ::readdir(fds)) {
+            struct stat target {};
+            if (!IsNumber(fd->d_name) || ::stat((fdDir + '/' + fd->d_name).c_str(), &target) != 0) continue;
+            if (target.st_dev == file.st_dev && target.st_ino == file.st_ino) {
+                found = true;
+                break;
+            }
+        }
+        ::closedir(fds);
+    }
+    ::closedir(proc);
+    return found;
+}
+
+// A record lock of another process, or a flock that keeps us from locking the file ourselves.
+bool HoldsLock(const QByteArray& path)
+{
+    const int fd = ::open(path.constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (fd < 0) return false;
+    struct flock probe {};
+    probe.l_type = F_WRLCK;
+    probe.l_whence = SEEK_SET;
+    bool locked = ::fcntl(fd, F_GETLK, &probe) == 0 && probe.l_type != F_UNLCK;
+    if (!locked) {
+        if (::flock(fd, LOCK_EX | LOCK_NB) == 0) ::flock(fd, LOCK_UN);
+        else locked = errno == EWOULDBLOCK;
+    }
+    ::close(fd);
+    return locked;
+}
+
+bool WriteAll(int fd, const char* data, qsizetype size)
+{
+    while (size > 0) {
+        const ssize_t n = ::write(fd, data, static_cast<size_t>(size));
+        if (n < 0 && errno == EINTR) continue;
+        if (n <= 0) return false;
+        data += n;
+        size -= n;
+    }
+    return true;
+}
+
+// One replacement of a file: a temporary sibling that is renamed over the target on Commit, and
+// removed when the writer ends without a commit.
+class TAtomicWriter {
+public:
+    // mode: the permissions the new file gets.
+    TAtomicWriter(const QString& target, mode_t mode)
+    {
+        const QFileInfo info(target);
+        target_ = (info.exists() ? info.canonicalFilePath() : info.absoluteFilePath()).toLocal8Bit();
+        dir_ = QFileInfo(QString::fromLocal8Bit(target_)).absolutePath().toLocal8Bit();
+        temp_ = dir_ + "/." + QFileInfo(QString::fromLocal8Bit(target_)).fileName().toLocal8Bit() + ".XXXXXX";
+        fd_ = ::mkostemp(temp_.data(), O_CLOEXEC);
+        if (fd_ < 0) {
+            error_ = errno;
+            return;
+        }
+        created_ = true;
+        ::fchmod(fd_, mode);
+    }
+    ~TAtomicWriter()
+    {
+        if (fd_ >= 0) ::close(fd_);
+        if (created_ && !committed_) ::unlink(temp_.constData());
+    }
+    TAtomicWriter(const TAtomicWriter&) = delete;
+    TAtomicWriter& operator=(const TAtomicWriter&) = delete;
+
+    bool Write(const char* data, qsizetype size)
+    {
+        if (error_ == 0 && !WriteAll(fd_, data, size)) error_ = errno ? errno : EIO;
+        return error_ == 0;
+    }
+
+    QString Commit()
+    {
+        if (error_ == 0 && ::fsync(fd_) != 0) error_ = errno;
+        if (fd_ >= 0 && ::close(fd_) != 0 && error_ == 0) error_ = errno;
+        fd_ = -1;
+        if (error_ == 0 && ::rename(temp_.constData(), target_.constData()) != 0) error_ = errno;
+        if (error_ != 0) return ErrorText(error_);
+        committed_ = true;
+        const int dirFd = ::open(dir_.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+        if (dirFd >= 0) {
+            ::fsync(dirFd);
+            ::close(dirFd);
+        }
+        return {};
+    }
+
+private:
+    QByteArray target_;
+    QByteArray dir_;
+    QByteArray temp_;
+    int fd_ = -1;
+    int error_ = 0;
+    bool created_ = false;
+    bool committed_ = false;
+};
+
+mode_t ModeOf(const QByteArray& path, mode_t fallback)
+{
+    struct stat st {};
+    return ::stat(path.constData(), &st) == 0 ? (st.st_mode & 07777) : fallback;
+}
+
+// The permissions a new file gets from open(): 0666 less the umask, read without changing it
+// (umask() itself would race with other threads creating files).
+mode_t DefaultMode()
+{
+    mode_t mask = 022;
+    if (FILE* status = std::fopen("/proc/self/status", "re")) {
+        char line[256];
+        while (std::fgets(line, sizeof line, status)) {
+            if (std::strncmp(line, "Umask:", 6) == 0) mask = static_cast<mode_t>(std::strtoul(line + 6, nullptr, 8));
+        }
+        std::fclose(status);
+    }
+    return 0666 & ~mask;
+}
+
+}  // namespace
+
+bool IsFileInUse(const QString& path)
+{
+    const QByteArray name = path.toLocal8Bit();
+    struct stat file {};
+    if (::stat(name.constData(), &file) != 0) return false;
+    return OpenedElsewhere(file) || HoldsLock(name);
+}
+
+QString WriteFileAtomically(const QString& path, const QByteArray& content)
+{
+    TAtomicWriter writer(path, ModeOf(path.toLocal8Bit(), DefaultMode()));
+    writer.Write(content.constData(), content.size());
+    return writer.Commit();
+}
+
+QString CopyFileAtomically(const QString& source, const QString& target)
+{
+    const QByteArray from = source.toLocal8Bit();
+    const int in = ::open(from.constData(), O_RDONLY | O_CLOEXEC);
+    if (in < 0) return ErrorText(errno);
+    TAtomicWriter writer(target, ModeOf(from, DefaultMode()));
+    char buffer[1 << 16];
+    for (;;) {
+        const ssize_t n = ::read(in, buffer, sizeof buffer);
+        if (n < 0 && errno == EINTR) continue;
+        if (n < 0) {
+            const int e = errno;
+            ::close(in);
+            return ErrorText(e);
+        }
+        if (n == 0 || !writer.Write(buffer, n)) break;
+    }
+    ::close(in);
+    return writer.Commit();
+}
+
+}  // namespace dv

@@ -1,0 +1,219 @@
+#include "commands/system/platform_process.h"
+
+#include "framework/services.h"
+#include "framework/waitevents.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <climits>
+#include <cstring>
+#include <thread>
+#include <vector>
+
+extern char** environ;
+
+namespace dv {
+
+std::optional<QStringList> SplitCommandLine(const QString& commandLine)
+{
+    QStringList words;
+    QString word;
+    bool inWord = false;
+    enum { Plain, Single, Double } state = Plain;
+    for (qsizetype i = 0; i < commandLine.size(); ++i) {
+        const QChar c = commandLine[i];
+        const bool hasNext = i + 1 < commandLine.size();
+        switch (state) {
+        case Plain:
+            if (c == ' ' || c == '\t' || c == '\n') {
+                if (inWord) words << word;
+                word.clear();
+                inWord = false;
+            } else if (c == '\'') {
+                state = Single;
+                inWord = true;
+            } else if (c == '"') {
+                state = Double;
+                inWord = true;
+            } else if (c == '\\' && hasNext) {
+                word += commandLine[++i];
+                inWord = true;
+            } else {
+                word += c;
+                inWord = true;
+            }
+            break;
+        case Single:
+            if (c == '\'') state = Plain;
+            else word += c;
+            break;
+        case Double:
+            if (c == '"') {
+                state = Plain;
+            } else if (c == '\\' && hasNext && QStringLiteral("\\\"$`\n").contains(commandLine[i + 1])) {
+                word += commandLine[++i];
+            } else {
+                word += c;
+            }
+            break;
+        }
+    }
+    if (state != Plain) return std::nullopt;
+    if (inWord) words << word;
+    return words;
+}
+
+namespace {
+
+QString ErrorText(int error) { return QString::fromLocal8Bit(std::strerror(error)); }
+
+// Kernels without pidfd_open: a thread waits for the end without reaping and reports it through a
+// pipe, so the caller still waits on one descriptor together with the stop event.
+int ExitNotifierFd(pid_t pid)
+{
+    int fds[2];
+    if (::pipe2(fds, O_CLOEXEC) != 0) return -1;
+    std::thread([pid, writeFd = fds[1]] {
+        siginfo_t info{};
+        while (::waitid(P_PID, static_cast<id_t>(pid), &info, WEXITED | WNOWAIT) != 0 && errno == EINTR) {
+        }
+        const char byte = 1;
+        [[maybe_unused]] const ssize_t n = ::write(writeFd, &byte, 1);
+        ::close(writeFd);
+    }).detach();
+    return fds[0];
+}
+
+int ProcessFd(pid_t pid)
+{
+#ifdef SYS_pidfd_open
+    const long fd = ::syscall(SYS_pidfd_open, pid, 0);
+    if (fd >= 0) return static_cast<int>(fd);
+#endif
+    return ExitNotifierFd(pid);
+}
+
+// Owns the spawn attributes and file actions for one start.
+struct TSpawnSetup {
+    posix_spawnattr_t attr;
+    posix_spawn_file_actions_t actions;
+    TSpawnSetup()
+    {
+        posix_spawnattr_init(&attr);
+        posix_spawn_file_actions_init(&actions);
+    }
+    ~TSpawnSetup()
+    {
+        posix_spawn_file_actions_destroy(&actions);
+        posix_spawnattr_destroy(&attr);
+    }
+};
+
+}  // namespace
+
+TChildProcess::~TChildProcess()
+{
+    if (pid_ > 0 && !reaped_) {
+        // The program outlives the wait; whoever ends it, its exit status must not linger as a zombie.
+        std::thread([pid = pid_] {
+            while (::waitpid(pid, nullptr, 0) < 0 && errno == EINTR) {
+            }
+        }).detach();
+    }
+    if (pidfd_ >= 0) ::close(pidfd_);
+}
+
+QString TChildProcess::Start(const QStringList& argv, const QString& workDir)
+{
+    if (argv.isEmpty()) return ErrorText(ENOENT);
+    std::vector<QByteArray> words;
+    for (const QString& w : argv) words.push_back(w.toLocal8Bit());
+    std::vector<char*> args;
+    for (QByteArray& w : words) args.push_back(w.data());
+    args.push_back(nullptr);
+
+    TSpawnSetup setup;
+    // A group of its own, so that ending the program reaches its children too; default signal
+    // handling, whatever the host's threads block or ignore.
+    sigset_t none;
+    sigset_t all;
+    sigemptyset(&none);
+    sigfillset(&all);
+    posix_spawnattr_setpgroup(&setup.attr, 0);
+    posix_spawnattr_setsigmask(&setup.attr, &none);
+    posix_spawnattr_setsigdefault(&setup.attr, &all);
+    posix_spawnattr_setflags(&setup.attr, POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
+    posix_spawn_file_actions_addopen(&setup.actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+    posix_spawn_file_actions_addclosefrom_np(&setup.actions, STDERR_FILENO + 1);  // no inherited handles
+    const QByteArray dir = workDir.toLocal8Bit();
+    if (!dir.isEmpty()) posix_spawn_file_actions_addchdir_np(&setup.actions, dir.constData());
+
+    pid_t pid = -1;
+    const int error = ::posix_spawnp(&pid, args[0], &setup.actions, &setup.attr, args.data(), environ);
+    if (error != 0) return ErrorText(error);
+    pid_ = pid;
+    pidfd_ = ProcessFd(pid);
+    if (pidfd_ < 0) {
+        const int e = errno;
+        AskToTerminate();
+        return ErrorText(e);
+    }
+    return {};
+}
+
+bool TChildProcess::Reap(bool block)
+{
+    if (reaped_) return true;
+    int status = 0;
+    pid_t r;
+    do {
+        r = ::waitpid(pid_, &status, block ? 0 : WNOHANG);
+    } while (r < 0 && errno == EINTR);
+    if (r < 0 && errno == ECHILD) {
+        // Someone else collected it (a host that ignores SIGCHLD): ended, code unknown.
+        reaped_ = true;
+        exitCode_ = 0;
+        return true;
+    }
+    if (r != pid_) return false;
+    reaped_ = true;
+    exitCode_ = WIFEXITED(status) ? WEXITSTATUS(status) : WIFSIGNALED(status) ? 128 + WTERMSIG(status) : 0;
+    return true;
+}
+
+TChildWait TChildProcess::Wait(const TRunControl* stop, std::uint32_t limitMs)
+{
+    if (pid_ <= 0) return TChildWait::TimedOut;
+    constexpr std::uint32_t kInfinite = 0xFFFFFFFFu;
+    using Clock = std::chrono::steady_clock;
+    const auto deadline = Clock::now() + std::chrono::milliseconds(limitMs);
+    for (;;) {
+        int slice = -1;
+        if (limitMs != kInfinite) {
+            const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now()).count();
+            slice = static_cast<int>(std::clamp<long long>(left, 0, INT_MAX));
+        }
+        const TWaitResult r = WaitForEvents({{pidfd_, POLLIN}}, stop, slice);
+        // The program's end counts first when both arrive, as with a wait on several handles.
+        if (r != TWaitResult::TimedOut && Reap(r == TWaitResult::Ready)) return TChildWait::Exited;
+        if (r == TWaitResult::Stopped) return TChildWait::Stopped;
+        if (r == TWaitResult::TimedOut && slice != INT_MAX) return Reap(false) ? TChildWait::Exited : TChildWait::TimedOut;
+    }
+}
+
+bool TChildProcess::AskToTerminate() const
+{
+    if (pid_ <= 0) return false;
+    return ::kill(-pid_, SIGTERM) == 0;
+}
+
+}  // namespace dv
