@@ -9,6 +9,7 @@
 
 // Envelope files are plain ASCII: no character set conversion needed.
 #define SI_NO_CONVERSION
+#define SI_IMPLEMENTATION  // the template bodies; the packaged library is built for another converter
 #include <SimpleIni.h>
 
 #include <cmath>
