@@ -203,21 +203,32 @@ TPeakScan ScanPeaks(Samples x, Samples y, int from, int last)
 }
 
 namespace {
-constexpr int kBlock = 8;
+constexpr int kBlock = 16;
+
+inline V2 Min2(V2 a, V2 b) { return a < b ? a : b; }
+inline V2 Max2(V2 a, V2 b) { return a > b ? a : b; }
 
 // First index k >= i, in steps of whole blocks, whose block may hold a segment (k-1, k) that
-// reaches level a or level b; end when none does. Segments that reach neither level change
-// nothing in the edge search, so whole blocks of them are skipped without branching per sample.
+// reaches level a or level b; end when none does. A block reaches no level when all its samples
+// and the one before lie on one side of each level, which its minimum and maximum tell without a
+// branch per sample. Segments that reach neither level change nothing in the edge search.
 int NextCandidateBlock(const double* y, int i, int end, double a, double b)
 {
     for (; i + kBlock <= end; i += kBlock) {
-        bool any = false;
-        for (int k = 0; k < kBlock; ++k) {
-            const double y1 = y[i + k - 1], y2 = y[i + k];
-            const double lo = y1 < y2 ? y1 : y2, hi = y1 < y2 ? y2 : y1;
-            any |= ((lo <= a) & (a <= hi)) | ((lo <= b) & (b <= hi));
+        const double* p = y + i;
+        V2 lo0{p[-1], p[-1]}, hi0 = lo0, lo1 = lo0, hi1 = lo0;
+        for (int k = 0; k < kBlock; k += 4) {
+            const V2 u = Load2(p + k), v = Load2(p + k + 2);
+            lo0 = Min2(lo0, u);
+            hi0 = Max2(hi0, u);
+            lo1 = Min2(lo1, v);
+            hi1 = Max2(hi1, v);
         }
-        if (any) return i;
+        const V2 lo = Min2(lo0, lo1), hi = Max2(hi0, hi1);
+        const double mn = std::min(lo[0], lo[1]), mx = std::max(hi[0], hi[1]);
+        const bool clearOfA = mn > a || mx < a;
+        const bool clearOfB = mn > b || mx < b;
+        if (!(clearOfA && clearOfB)) return i;
     }
     return i;
 }
