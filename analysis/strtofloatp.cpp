@@ -2,9 +2,9 @@
 
 #include <QString>
 
+#include <cmath>
+
 namespace dv::analysis {
-
-
 
 double StrToFloatP(const QString& s)
 {
@@ -12,7 +12,8 @@ double StrToFloatP(const QString& s)
     if (!t.contains('.')) t.replace(',', '.');
     bool ok = false;
     const double v = t.toDouble(&ok);
-    return ok ? v : 0.0;
+    // "inf" and "nan" are words, not numbers a user types for a level or a time.
+    return ok && std::isfinite(v) ? v : 0.0;
 }
 
 }  // namespace dv::analysis
