@@ -1,4 +1,9 @@
 // The command classes this library builds; one row per command, added with the command.
+#include "commands/dialogs/gui_textout.h"
+#include "commands/text/gui_arraytostr.h"
+#include "commands/text/gui_numberconvert.h"
+#include "commands/text/gui_strtoarray.h"
+#include "commands/text/gui_stringbearbeitung.h"
 #include "framework/dvmiscfunctions.h"
 #include "framework/registry.h"
 
@@ -10,6 +15,11 @@ namespace {
 constexpr std::array kCommandClasses{
     TCommandClass{"TDVShowLaborCommand", &Construct<TDVShowLaborCommand>},
     TCommandClass{"TDVHideLaborCommand", &Construct<TDVHideLaborCommand>},
+    TCommandClass{"TDVCmdArrayToString", &Construct<TDVCmdArrayToString>},
+    TCommandClass{"TDVCmdStringToArray", &Construct<TDVCmdStringToArray>},
+    TCommandClass{"TDVCmdStringConversion", &Construct<TDVCmdStringConversion>},
+    TCommandClass{"TDVCmdNumberConversion", &Construct<TDVCmdNumberConversion>},
+    TCommandClass{"TDVCmdTextOut", &Construct<TDVCmdTextOut>},
 };
 }  // namespace
 
