@@ -1,0 +1,19 @@
+#pragma once
+// Builds a parameter list from name/text pairs for command tests.
+#include "framework/paramlist.h"
+
+#include <initializer_list>
+#include <utility>
+
+namespace dv::test {
+
+using TParamRows = std::initializer_list<std::pair<const char*, const char*>>;
+
+inline TParamList MakeParams(TParamRows rows)
+{
+    TParamList params;
+    for (const auto& [name, text] : rows) params.AddString(QString::fromUtf8(name), QString::fromUtf8(text));
+    return params;
+}
+
+}  // namespace dv::test
