@@ -1,9 +1,21 @@
 // The editor dialogs this library builds; one row per dialog, added with the dialog.
+#include "commands/dialogs/gui_textout_form.h"
+#include "commands/text/gui_arraytostr_form.h"
+#include "commands/text/gui_numberconvert_form.h"
+#include "commands/text/gui_stringbearbeitung_form.h"
+#include "commands/text/gui_strtoarray_form.h"
 #include "framework/editorform.h"
 #include "framework/forms/guiforms.h"
 
 namespace dv {
 
-void RegisterForms() {}
+void RegisterForms()
+{
+    RegisterForm<TFRM_ArrayToString, TDVCmdArrayToString>(QStringLiteral("TFRM_ArrayToString"));
+    RegisterForm<TFRM_StringIntoArrayString, TDVCmdStringToArray>(QStringLiteral("TFRM_StringIntoArrayString"));
+    RegisterForm<TStringBearbeitung, TDVCmdStringConversion>(QStringLiteral("TStringBearbeitung"));
+    RegisterForm<TZahlenkonverter, TDVCmdNumberConversion>(QStringLiteral("TZahlenkonverter"));
+    RegisterForm<TFRM_TextOut, TDVCmdTextOut>(QStringLiteral("TFRM_TextOut"));
+}
 
 }  // namespace dv
