@@ -3,7 +3,18 @@
 #include "framework/paramlist.h"
 
 #include <initializer_list>
+#include <ostream>
 #include <utility>
+
+// Readable failure messages for texts and lists.
+inline void PrintTo(const QString& text, std::ostream* os) { *os << '"' << text.toStdString() << '"'; }
+
+namespace dv {
+inline void PrintTo(const TParamList& params, std::ostream* os)
+{
+    for (const QString& name : params.Names()) *os << name.toStdString() << "=" << params.GetString(name).toStdString() << "; ";
+}
+}  // namespace dv
 
 namespace dv::test {
 
