@@ -26,6 +26,20 @@ constexpr std::array<TTrimModeRow, 3> kTrimModes{{
 }};
 static_assert(kTrimModes.size() + 1 == static_cast<std::size_t>(TTrimMode::Count));  // None has no row
 
+using TFields = TDVCmdStringConversion::TFields;
+
+// Switches that a "FormatStr(" line turns on by the mere presence of their marker.
+struct TMarkerFlag {
+    const char* marker;
+    bool TFields::*flag;
+};
+constexpr std::array<TMarkerFlag, 4> kMarkerFlags{{
+    {"LENGHT", &TFields::strLen},  // the older form spells it so; "LENGTH" never meant this switch
+    {"MATH", &TFields::convert},
+    {"UPPERCASE,", &TFields::upperCase},
+    {"ROUND,", &TFields::round},
+}};
+
 const TCatalogueRow& Row() { return *FindCommandClass(QStringLiteral("TDVCmdStringConversion")); }
 
 QString BoolText(bool b) { return b ? QStringLiteral("True") : QStringLiteral("False"); }
@@ -70,7 +84,7 @@ QString Trimmed(const QString& s, int mode)
 }
 
 // Step 6: the fragment of s at the anchor; a deleted fragment is also gone from s.
-QString Fragment(QString& s, const TDVCmdStringConversion::TFields& f, qsizetype start, qsizetype len)
+QString Fragment(QString& s, const TFields& f, qsizetype start, qsizetype len)
 {
     switch (f.fragPos) {
     case TFragPosition::fpRight:
@@ -196,8 +210,7 @@ bool TDVCmdStringConversion::DecodeScript(const QString& script, TParamList& par
         f.search = part("POS:", ",");
         f.searchFlag = !f.search.isEmpty();
     }
-    // The older form spells the keyword so; "LENGTH" never meant the length switch.
-    f.strLen = has("LENGHT");
+    for (const TMarkerFlag& m : kMarkerFlags) f.*m.flag = has(m.marker);
     f.fragment = has("CUT:") || has("DEL:");
     if (f.fragment) {
         f.cut = has("CUT:");
@@ -216,9 +229,6 @@ bool TDVCmdStringConversion::DecodeScript(const QString& script, TParamList& par
         f.count = part("CHARCOUNT:", ",");
         f.countFlag = true;
     }
-    f.convert = has("MATH");
-    f.upperCase = has("UPPERCASE,");
-    f.round = has("ROUND,");
     const QString trim = part("TRIM:", ",");
     if (!trim.isEmpty()) {
         f.trim = true;
