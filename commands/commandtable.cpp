@@ -4,6 +4,11 @@
 #include "commands/system/gui_exec.h"
 #include "commands/system/gui_inifile.h"
 #include "commands/system/gui_sysutils.h"
+#include "commands/dialogs/gui_textout.h"
+#include "commands/text/gui_arraytostr.h"
+#include "commands/text/gui_numberconvert.h"
+#include "commands/text/gui_strtoarray.h"
+#include "commands/text/gui_stringbearbeitung.h"
 #include "framework/dvmiscfunctions.h"
 #include "framework/registry.h"
 
@@ -20,6 +25,11 @@ constexpr std::array kCommandClasses{
     TCommandClass{"TDVCmdStartEXE", &Construct<TDVCmdStartEXE>},
     TCommandClass{"TDVCmdSystemUtilities", &Construct<TDVCmdSystemUtilities>},
     TCommandClass{"TDVCmdIniFiles", &Construct<TDVCmdIniFiles>},
+    TCommandClass{"TDVCmdArrayToString", &Construct<TDVCmdArrayToString>},
+    TCommandClass{"TDVCmdStringToArray", &Construct<TDVCmdStringToArray>},
+    TCommandClass{"TDVCmdStringConversion", &Construct<TDVCmdStringConversion>},
+    TCommandClass{"TDVCmdNumberConversion", &Construct<TDVCmdNumberConversion>},
+    TCommandClass{"TDVCmdTextOut", &Construct<TDVCmdTextOut>},
 };
 }  // namespace
 

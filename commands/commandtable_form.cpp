@@ -4,6 +4,11 @@
 #include "commands/system/gui_exec_form.h"
 #include "commands/system/gui_inifile_form.h"
 #include "commands/system/gui_sysutils_form.h"
+#include "commands/dialogs/gui_textout_form.h"
+#include "commands/text/gui_arraytostr_form.h"
+#include "commands/text/gui_numberconvert_form.h"
+#include "commands/text/gui_stringbearbeitung_form.h"
+#include "commands/text/gui_strtoarray_form.h"
 #include "framework/editorform.h"
 #include "framework/forms/commandform.h"
 #include "framework/forms/guiforms.h"
@@ -17,6 +22,11 @@ void RegisterForms()
     RegisterForm<TStartEXE, TDVCmdStartEXE>(QStringLiteral("TStartEXE"));
     RegisterForm<TSystemUtilities, TDVCmdSystemUtilities>(QStringLiteral("TSystemUtilities"));
     RegisterForm<TIni_Files, TDVCmdIniFiles>(QStringLiteral("TIni_Files"));
+    RegisterForm<TFRM_ArrayToString, TDVCmdArrayToString>(QStringLiteral("TFRM_ArrayToString"));
+    RegisterForm<TFRM_StringIntoArrayString, TDVCmdStringToArray>(QStringLiteral("TFRM_StringIntoArrayString"));
+    RegisterForm<TStringBearbeitung, TDVCmdStringConversion>(QStringLiteral("TStringBearbeitung"));
+    RegisterForm<TZahlenkonverter, TDVCmdNumberConversion>(QStringLiteral("TZahlenkonverter"));
+    RegisterForm<TFRM_TextOut, TDVCmdTextOut>(QStringLiteral("TFRM_TextOut"));
 }
 
 }  // namespace dv

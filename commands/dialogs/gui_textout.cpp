@@ -1,0 +1,118 @@
+#include "commands/dialogs/gui_textout.h"
+
+#include "framework/catalogue.h"
+#include "framework/dvtools.h"
+#include "framework/intconvert.h"
+#include "framework/services.h"
+#include "framework/translate.h"
+
+#include <array>
+
+namespace dv {
+
+namespace {
+
+constexpr std::array<TFontStyleRow, 4> kFontStyles{{
+    {TFontStyle::Bold, "BOLD", "bold ", 1},
+    {TFontStyle::Italic, "ITALIC", "Italic ", 2},
+    {TFontStyle::Underline, "UNDERLINE", "Underline ", 4},
+    {TFontStyle::StrikeOut, "STRIKEOUT", "Strikeout ", 8},
+}};
+static_assert(kFontStyles.size() == static_cast<std::size_t>(TFontStyle::Count));
+
+const TCatalogueRow& Row() { return *FindCommandClass(QStringLiteral("TDVCmdTextOut")); }
+
+QString Quoted(const QString& text) { return '"' + text + '"'; }
+
+}  // namespace
+
+std::span<const TFontStyleRow> FontStyles() { return kFontStyles; }
+
+int StyleBits(const QString& styleText)
+{
+    const QString upper = styleText.toUpper();
+    int bits = 0;
+    for (const TFontStyleRow& row : kFontStyles) {
+        if (upper.contains(QLatin1String(row.keyword))) bits |= row.bit;
+    }
+    return bits;
+}
+
+QString BuildStyleText(bool bold, bool italic, bool underline, bool strikeOut)
+{
+    const std::array<bool, 4> chosen{bold, italic, underline, strikeOut};
+    QString text;
+    QString separator;
+    for (std::size_t i = 0; i < kFontStyles.size(); ++i) {
+        if (!chosen[i]) continue;
+        text = QLatin1String(kFontStyles[i].rebuilt) + separator + text;
+        separator = QStringLiteral(" + ");
+    }
+    return text;
+}
+
+TDVCmdTextOut::TDVCmdTextOut(TDVParser* parser)
+    : TDVFuncRunEdit(QString::fromUtf8(Row().signature), QString::fromUtf8(Row().dialogClass), parser)
+{
+}
+
+void TDVCmdTextOut::SetParams(const TParamList& params)
+{
+    fields_.text = params.GetString(QStringLiteral("Text"));
+    fields_.font = StripQuotes(params.GetString(QStringLiteral("Font")));
+    fields_.size = GetDefStr(params.GetString(QStringLiteral("FontSize")), QStringLiteral("10"));
+    fields_.colour = GetDefStr(params.GetString(QStringLiteral("FontColor")), QStringLiteral("0"));
+    fields_.style = StripQuotes(params.GetString(QStringLiteral("FontStyle")));
+    fields_.formFeed = StrToBoolEx(params.GetString(QStringLiteral("FormFeed")), false);
+}
+
+void TDVCmdTextOut::ReadParams(TParamList& params)
+{
+    params.AddString(QStringLiteral("Text"), fields_.text);
+    params.AddString(QStringLiteral("Font"), Quoted(fields_.font));
+    params.AddString(QStringLiteral("FontSize"), fields_.size);
+    params.AddString(QStringLiteral("FontColor"), fields_.colour);
+    params.AddString(QStringLiteral("FontStyle"), Quoted(fields_.style));
+    params.AddString(QStringLiteral("FormFeed"), fields_.formFeed ? QStringLiteral("True") : QStringLiteral("False"));
+}
+
+// TextOut([OUT:text][FONT:name:size:style][COL:colour][FORMFEED]);
+bool TDVCmdTextOut::DecodeScript(const QString& script, TParamList& params, TDVScriptImporter*)
+{
+    TFields f;
+    // The older form's default font name lands in the style field and the font stays empty;
+    // scripts converted so have always run with the host's default font.
+    f.style = QStringLiteral("Arial");
+    const QString end = QStringLiteral("]");
+    if (script.contains(QLatin1String("[OUT:"))) f.text = GetStrPart(QStringLiteral("[OUT:"), end, script);
+    const QString upper = script.toUpper();
+    if (upper.contains(QLatin1String("[FONT:"))) {
+        const QString font = GetStrPart(QStringLiteral("[FONT:"), end, upper);
+        f.font = Segment(font, QStringLiteral(":"), 1);
+        f.size = Segment(font, QStringLiteral(":"), 2);
+        f.style = Segment(font, QStringLiteral(":"), 3);
+    }
+    if (upper.contains(QLatin1String("[COL:"))) f.colour = GetStrPart(QStringLiteral("[COL:"), end, upper);
+    f.formFeed = upper.contains(QLatin1String("[FORMFEED]"));
+    fields_ = f;
+    ReadParams(params);
+    return true;
+}
+
+QString TDVCmdTextOut::GetDescription(const QString&, const TParamList& params)
+{
+    SetParams(params);
+    return _("Textausgabe: ") + fields_.text;
+}
+
+void TDVCmdTextOut::Run(TParamList& params)
+{
+    SetParams(params);
+    const int style = StyleBits(fields_.style);
+    const int size = StrToInt(fields_.size);
+    const int colour = StrToInt(fields_.colour);
+    // The form-feed flag is not passed on: the output has no pages.
+    TestEnvironment().WriteOutput(StripChar(fields_.text, QChar(0)), fields_.font, size, style, colour);
+}
+
+}  // namespace dv

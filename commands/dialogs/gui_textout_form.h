@@ -1,0 +1,34 @@
+#pragma once
+// The editor dialog of TextOut: the text, its font (name, style, size, colour) and the form-feed box.
+#include "commands/dialogs/gui_textout.h"
+#include "framework/forms/commandform.h"
+
+class QCheckBox;
+class QLineEdit;
+class QToolButton;
+
+namespace dv {
+
+class TFRM_TextOut : public TCommandForm<TDVCmdTextOut> {
+public:
+    explicit TFRM_TextOut(TDVCmdTextOut& command);
+
+protected:
+    void Load(const Fields& fields) override;
+    void Store(Fields& fields) override;
+
+private:
+    void SetSwatch(int colour);
+    void ChooseColour();
+    void ChooseFont();
+
+    QLineEdit* font_;
+    QLineEdit* style_;
+    QLineEdit* size_;
+    QToolButton* swatch_;
+    int colour_ = 0;  // 0x00BBGGRR
+    QLineEdit* text_;
+    QCheckBox* formFeed_;
+};
+
+}  // namespace dv

@@ -1,0 +1,33 @@
+#pragma once
+// StrToArray: splits a string into an existing array variable, one element per character, as
+// characters or as Windows-1252 codes depending on the array's element type.
+#include "framework/runedit.h"
+
+namespace dv {
+
+class TDVCmdStringToArray : public TDVFuncRunEdit {
+public:
+    struct TFields {
+        QString str;  // the string's text
+        QString arr;  // name of the target array variable
+        bool operator==(const TFields&) const = default;
+    };
+
+    explicit TDVCmdStringToArray(TDVParser* parser);
+
+    const TFields& Fields() const { return fields_; }
+    void SetFields(const TFields& fields) { fields_ = fields; }
+
+    void SetDefaults() override { fields_ = TFields{}; }
+    void SetParams(const TParamList& params) override;
+    void ReadParams(TParamList& params) override;
+    bool DecodeScript(const QString& script, TParamList& params, TDVScriptImporter* importer) override;
+    QStringList OlderNames() const override { return {QStringLiteral("StrToArray")}; }
+    void Run(TParamList& params) override;
+
+private:
+    void Start();
+    TFields fields_;
+};
+
+}  // namespace dv
