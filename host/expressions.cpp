@@ -69,22 +69,12 @@ TValueKind TIndexExpr::StaticKind() const
     return t.kind == TValueKind::Array ? t.elementKind : TValueKind::Misc;
 }
 
-long double Arithmetic(TOp op, long double a, long double b)
+long double Division(TOp op, long double a, long double b)
 {
-    switch (op) {
-    case TOp::Add: return a + b;
-    case TOp::Sub: return a - b;
-    case TOp::Mul: return a * b;
-    case TOp::Div:
-    case TOp::IntDiv:
-    case TOp::Mod:
-        if (b == 0) throw TDVRuntimeException(_("Division durch Null"));
-        if (op == TOp::Div) return a / b;
-        if (op == TOp::IntDiv) return std::trunc(a / b);
-        return std::fmod(a, b);
-    default: break;
-    }
-    return 0;
+    if (b == 0) throw TDVRuntimeException(_("Division durch Null"));
+    if (op == TOp::Div) return a / b;
+    if (op == TOp::IntDiv) return std::trunc(a / b);
+    return std::fmod(a, b);
 }
 
 namespace {

@@ -67,7 +67,17 @@ enum class TOp { Add, Sub, Mul, Div, IntDiv, Mod, Eq, Ne, Lt, Gt, Le, Ge, And, O
 bool CompareValues(TOp op, const TVal& a, const TVal& b);
 // The array index of a number: it must be a whole number.
 int ArrayIndex(long double x);
-long double Arithmetic(TOp op, long double a, long double b);
+// The quotient and remainder operators, which check for a zero divisor.
+long double Division(TOp op, long double a, long double b);
+inline long double Arithmetic(TOp op, long double a, long double b)
+{
+    switch (op) {
+    case TOp::Add: return a + b;
+    case TOp::Sub: return a - b;
+    case TOp::Mul: return a * b;
+    default: return Division(op, a, b);
+    }
+}
 
 class TUnary final : public TExpr {
 public:

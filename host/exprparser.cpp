@@ -159,6 +159,11 @@ TExprPtr TScriptParser::ParseNumber(const TToken& t) const
 //          | name ['[' expr ']']
 TExprPtr TScriptParser::ParsePrimary()
 {
+    switch (Peek().type) {
+    case TTokenType::Number: case TTokenType::String: case TTokenType::kwTrue: case TTokenType::kwFalse:
+    case TTokenType::ArrayText: case TTokenType::LBracket: case TTokenType::LParen: case TTokenType::Identifier: break;
+    default: Fail(Peek(), _("Ausdruck erwartet"));  // not consumed: it may begin the next statement
+    }
     const TToken t = Next();
     switch (t.type) {
     case TTokenType::Number: return ParseNumber(t);

@@ -158,16 +158,6 @@ TVal Coerce(TVal v, const TDVType& target)
     Mismatch(target, v);
 }
 
-bool RequireBoolean(const TVal& v)
-{
-    if (v.kind != TValueKind::Boolean) Mismatch(g_BooleanType, v);
-    return v.boolean;
-}
-
-long double RequireNumber(const TVal& v)
-{
-    if (v.kind != TValueKind::Number) Mismatch(g_NumberType, v);
-    return v.number;
-}
+void KindMismatch(const TDVType& target, const TVal& v) { Mismatch(target, v); }
 
 }  // namespace dv::host

@@ -39,7 +39,16 @@ QString ArrayToChars(const TArrayValue& array);
 // when it cannot be. Arrays that need no conversion are shared, not copied.
 TVal Coerce(TVal v, const TDVType& target);
 // The condition value of if/while/until and the operands of and/or/xor/not.
-bool RequireBoolean(const TVal& v);
-long double RequireNumber(const TVal& v);
+[[noreturn]] void KindMismatch(const TDVType& target, const TVal& v);
+inline bool RequireBoolean(const TVal& v)
+{
+    if (v.kind != TValueKind::Boolean) KindMismatch(g_BooleanType, v);
+    return v.boolean;
+}
+inline long double RequireNumber(const TVal& v)
+{
+    if (v.kind != TValueKind::Number) KindMismatch(g_NumberType, v);
+    return v.number;
+}
 
 }  // namespace dv::host

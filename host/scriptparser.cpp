@@ -80,6 +80,18 @@ void TScriptParser::Report(const TDVSyntaxError& e)
     if (program_.errors.size() >= kMaxErrors) throw TTooManyErrors{};
 }
 
+// The line after which reading goes on: the error's, unless the error is the first token of a
+// new line that a statement ran into (then that line is the next statement).
+int TScriptParser::ResumeLine(const TDVSyntaxError& e)
+{
+    try {
+        const TToken& t = Peek();
+        if (t.line == e.Line() && t.column == e.Column() && t.line > last_.line) return last_.line;
+    } catch (const TDVSyntaxError&) {
+    }
+    return e.Line();
+}
+
 void TScriptParser::SkipRestOfLine(int line)
 {
     pending_.reset();
@@ -153,7 +165,9 @@ void TScriptParser::ParseBlock(TBlock& block)
             if (TStmtPtr s = ParseStatement()) block.statements.push_back(std::move(s));
         } catch (const TDVSyntaxError& e) {
             Report(e);
-            SkipRestOfLine(std::max(line, e.Line()));
+            depth_ = 0;
+            pending_.reset();
+            SkipRestOfLine(std::max(line, ResumeLine(e)));
         }
     }
     --blockDepth_;
@@ -272,7 +286,9 @@ bool TScriptParser::ParseHeader(Header header)
         return true;
     } catch (const TDVSyntaxError& e) {
         Report(e);
-        SkipRestOfLine(std::max(line, e.Line()));
+        depth_ = 0;
+        pending_.reset();
+        SkipRestOfLine(std::max(line, ResumeLine(e)));
         return false;
     }
 }

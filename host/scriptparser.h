@@ -40,6 +40,7 @@ private:
     bool OnSameLine();
     void EndStatement();
     void Report(const TDVSyntaxError& e);
+    int ResumeLine(const TDVSyntaxError& e);
     void SkipRestOfLine(int line);
 
     // Statements (scriptparser.cpp).

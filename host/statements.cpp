@@ -38,6 +38,10 @@ TAssign::TAssign(int line, std::unique_ptr<TVarRef> target, TExprPtr value)
       value_(std::move(value)),
       numeric_(target_->Type().kind == TValueKind::Number && value_->StaticKind() == TValueKind::Number)
 {
+    const auto* literal = dynamic_cast<const TLiteral*>(value_.get());
+    if (target_->Type().kind == TValueKind::String && literal && literal->Value().kind == TValueKind::String) {
+        text_ = &literal->Value().text;
+    }
 }
 
 void TAssign::Exec(TExec& ex) const
@@ -46,6 +50,10 @@ void TAssign::Exec(TExec& ex) const
     TVariable& var = target_->Var(ex);
     if (numeric_) {
         var.value.number = value_->Num(ex);
+        return;
+    }
+    if (text_) {
+        var.value.text = *text_;
         return;
     }
     TVal v;

@@ -26,6 +26,7 @@ private:
     std::unique_ptr<TVarRef> target_;
     TExprPtr value_;
     bool numeric_;  // a number into a Number variable: no value object on the way
+    const QString* text_ = nullptr;  // a string literal into a String variable: its text
 };
 
 class TIndexAssign final : public TStmt {
