@@ -7,6 +7,7 @@
 #include <QHash>
 
 #include <memory>
+#include <vector>
 
 namespace dv::host {
 
@@ -17,10 +18,15 @@ public:
     TDVThreadRunEdit* ForProcedure(const QString& procedure);
     // The command of a class name, or nullptr.
     TDVRunEdit* ForClass(const QString& commandClass);
+    // Every command a script can call: the registry's built ones and those added here.
+    std::vector<TDVThreadRunEdit*> Available();
+    // Adds a command under its procedure name, ahead of the catalogue (tests, host extensions).
+    void Add(std::shared_ptr<TDVThreadRunEdit> command);
 
 private:
     TDVParser* parser_;
     QHash<QString, std::shared_ptr<TDVRunEdit>> commands_;  // by class name
+    std::vector<std::shared_ptr<TDVThreadRunEdit>> added_;
 };
 
 }  // namespace dv::host

@@ -144,6 +144,16 @@ TExprPtr TScriptParser::ParseUnary()
     return std::make_unique<TUnary>(op.line, op.column, TOp::Neg, std::move(operand));
 }
 
+// A closing bracket; when missing, the message names the line of the opening one.
+void TScriptParser::ExpectClosing(TTokenType type, const TToken& opener)
+{
+    if (Peek().type == type) {
+        Next();
+        return;
+    }
+    Fail(Peek(), Format(_("\"%s\" erwartet (für \"%s\" in Zeile %d)"), {TokenTypeName(type), opener.text, QString::number(opener.line)}));
+}
+
 TExprPtr TScriptParser::ParseNumber(const TToken& t) const
 {
     if (t.text.startsWith('$')) {
@@ -187,14 +197,14 @@ TExprPtr TScriptParser::ParsePrimary()
             while (Accept(TTokenType::Comma)) elements.push_back(ParseExpression());
         }
         --depth_;
-        Expect(TTokenType::RBracket);
+        ExpectClosing(TTokenType::RBracket, t);
         return std::make_unique<TArrayLiteral>(t.line, t.column, std::move(elements));
     }
     case TTokenType::LParen: {
         ++depth_;
         TExprPtr e = ParseExpression();
         --depth_;
-        Expect(TTokenType::RParen);
+        ExpectClosing(TTokenType::RParen, t);
         return e;
     }
     case TTokenType::Identifier: {
@@ -222,7 +232,7 @@ TExprPtr TScriptParser::ParsePrimary()
 std::vector<TScriptParser::TRawArg> TScriptParser::ParseArguments()
 {
     std::vector<TRawArg> args;
-    Expect(TTokenType::LParen);
+    const TToken open = Expect(TTokenType::LParen);
     ++depth_;
     if (Peek().type != TTokenType::RParen) {
         do {
@@ -257,7 +267,7 @@ std::vector<TScriptParser::TRawArg> TScriptParser::ParseArguments()
         } while (Accept(TTokenType::Comma));
     }
     --depth_;
-    Expect(TTokenType::RParen);
+    ExpectClosing(TTokenType::RParen, open);
     return args;
 }
 
@@ -288,6 +298,11 @@ std::vector<TBoundArg> TScriptParser::BindArguments(const TDVSignature& sig, std
             if (!arg.plainName) Fail(arg.at, Format(_("Für den var-Parameter %s wird eine Variable erwartet"), {decl.name}));
             b.name = arg.plainName->text;
             b.ref = ResolveVariable(*arg.plainName);
+            // A library command gets the name and fails when it runs; a script procedure needs
+            // the variable now.
+            if (!b.ref && requireAll) {
+                Fail(*arg.plainName, Format(_("Der Bezeichner \"%s\" wurde nicht als Variable deklariert!"), {b.name}));
+            }
         } else if (arg.plainName) {
             b.value = ResolveVariable(*arg.plainName);
             if (!b.value) {

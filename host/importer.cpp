@@ -1,6 +1,5 @@
 #include "host/importer.h"
 
-#include "framework/registry.h"
 #include "host/commandpool.h"
 
 #include <QRegularExpression>
@@ -44,9 +43,7 @@ qsizetype PrefixLength(const QString& line)
 
 TDVThreadRunEdit* CommandForLine(const QString& word, TCommandPool& commands)
 {
-    for (const TCommandClass& c : CommandClasses()) {
-        auto* command = dynamic_cast<TDVThreadRunEdit*>(commands.ForClass(QString::fromLatin1(c.commandClass)));
-        if (!command) continue;
+    for (TDVThreadRunEdit* command : commands.Available()) {
         if (command->GetID().compare(word, Qt::CaseInsensitive) == 0 ||
             command->OlderNames().contains(word, Qt::CaseInsensitive)) {
             return command;

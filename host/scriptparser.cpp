@@ -274,15 +274,15 @@ void TScriptParser::ParseProcedure()
     ExpectBlockEnd(TTokenType::kwProcedure, opener);
 }
 
-// Reads a block statement's first line; when it is malformed the error is reported and the block
-// is still read, so that its END does not count as a stray one.
+// Reads a block statement's head; when it is malformed the error is reported and the block is
+// still read, so that its END does not count as a stray one.
 template <class Header>
 bool TScriptParser::ParseHeader(Header header)
 {
     const int line = Peek().line;
     try {
         header();
-        EndStatement();
+        Accept(TTokenType::Semicolon);  // the block's first statement may follow on the same line
         return true;
     } catch (const TDVSyntaxError& e) {
         Report(e);

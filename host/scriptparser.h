@@ -69,6 +69,7 @@ private:
     TExprPtr ParseUnary();
     TExprPtr ParsePrimary();
     TExprPtr ParseNumber(const TToken& t) const;
+    void ExpectClosing(TTokenType type, const TToken& opener);
     std::unique_ptr<TVarRef> ResolveVariable(const TToken& name) const;
     std::vector<TRawArg> ParseArguments();
     std::vector<TBoundArg> BindArguments(const TDVSignature& sig, std::vector<TRawArg> raw, const TToken& call,
