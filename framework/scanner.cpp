@@ -75,6 +75,7 @@ void TScanner::SetScript(const QString& text, int start)
     column_ = 1;
     atLineStart_ = true;
     lookahead_.reset();
+    last_ = TToken();
     while (pos_ < start && pos_ < text_.size()) Advance();
 }
 
@@ -221,11 +222,12 @@ TToken TScanner::Scan()
 TToken TScanner::GetNextToken()
 {
     if (lookahead_) {
-        TToken t = std::move(*lookahead_);
+        last_ = std::move(*lookahead_);
         lookahead_.reset();
-        return t;
+    } else {
+        last_ = Scan();
     }
-    return Scan();
+    return last_;
 }
 
 const TToken& TScanner::LookAhead()

@@ -66,6 +66,9 @@ public:
     TToken Require(TTokenType type);
     bool HasMoreTokens();
     const QString& Script() const { return text_; }
+    // The token GetNextToken or Require gave last (EndOfText before the first); a reader that
+    // ends statements at line ends compares its line with the next token's.
+    const TToken& LastToken() const { return last_; }
 
 private:
     TToken Scan();
@@ -82,6 +85,7 @@ private:
     int column_ = 1;
     bool atLineStart_ = true;
     std::optional<TToken> lookahead_;
+    TToken last_;
 };
 
 }  // namespace dv

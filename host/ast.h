@@ -1,0 +1,83 @@
+#pragma once
+// The syntax tree the interpreter runs: expression nodes evaluate, statement nodes execute. Names are
+// resolved to slots while parsing, so running a node looks nothing up by name.
+#include "host/runtimevalue.h"
+#include "host/variables.h"
+
+#include <QHash>
+#include <QString>
+
+#include <memory>
+#include <vector>
+
+namespace dv {
+class TRunControl;
+}
+
+namespace dv::host {
+
+// What a running script reaches outside the tree.
+class IRunHooks {
+public:
+    virtual ~IRunHooks() = default;
+    virtual void WriteLog(const QString& text) = 0;
+    virtual void RecordFailedCheck(int line, const QString& text) = 0;
+};
+
+// Raised when the run's stop event is set; ends the run without being a script error.
+struct TRunStopped {};
+
+// The state of one run: the frames, the line being executed (for error reports) and the hooks.
+struct TExec {
+    TFrame* globals = nullptr;
+    TFrame* frame = nullptr;
+    int line = 0;
+    int depth = 0;  // procedure call depth
+    const TRunControl* runControl = nullptr;
+    IRunHooks* hooks = nullptr;
+    // Starting values given on the command line, by global slot; they replace a declaration's own.
+    const QHash<int, TVal>* defines = nullptr;
+
+    void CheckStop() const;
+};
+
+class TExpr {
+public:
+    TExpr(int line, int column) : line_(line), column_(column) {}
+    virtual ~TExpr() = default;
+    virtual void Eval(TExec& ex, TVal& out) const = 0;
+    // Fast paths; the defaults evaluate and check the kind.
+    virtual long double Num(TExec& ex) const;
+    virtual bool Bool(TExec& ex) const;
+    // The kind every evaluation gives, Misc when it is known only at run time.
+    virtual TValueKind StaticKind() const { return TValueKind::Misc; }
+    int Line() const { return line_; }
+    int Column() const { return column_; }
+
+private:
+    int line_;
+    int column_;
+};
+using TExprPtr = std::unique_ptr<TExpr>;
+
+class TStmt {
+public:
+    explicit TStmt(int line) : line_(line) {}
+    virtual ~TStmt() = default;
+    virtual void Exec(TExec& ex) const = 0;
+    int Line() const { return line_; }
+
+private:
+    int line_;
+};
+using TStmtPtr = std::unique_ptr<TStmt>;
+
+struct TBlock {
+    std::vector<TStmtPtr> statements;
+    void Exec(TExec& ex) const
+    {
+        for (const TStmtPtr& s : statements) s->Exec(ex);
+    }
+};
+
+}  // namespace dv::host

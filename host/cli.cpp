@@ -1,0 +1,190 @@
+#include "host/cli.h"
+
+#include "framework/forms/guiforms.h"
+#include "framework/headless.h"
+#include "framework/systemlog.h"
+#include "framework/translate.h"
+#include "host/catalogue_listing.h"
+#include "host/importer.h"
+#include "host/junit.h"
+#include "host/runner.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+#include <atomic>
+#include <clocale>
+#include <csignal>
+#include <cstdio>
+#include <memory>
+#include <unistd.h>
+
+namespace dv::host {
+
+namespace {
+
+TRunControl* g_runControl = nullptr;
+std::atomic<int> g_interrupts{0};  // lock-free, so safe in a signal handler
+
+// The first Ctrl-C asks the run to stop; a second one ends the process at once.
+void OnInterrupt(int)
+{
+    if (g_interrupts++ > 0 || !g_runControl) _exit(1);
+    g_runControl->SignalStop();
+}
+
+void PrintTo(std::FILE* stream, const QString& text)
+{
+    std::fputs(text.toUtf8().constData(), stream);
+    std::fputc('\n', stream);
+    std::fflush(stream);
+}
+
+std::optional<QString> ReadScript(const QString& path, QString& text)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) return Format(_("Die Datei %s kann nicht gelesen werden"), {path});
+    text = QString::fromUtf8(file.readAll());
+    return std::nullopt;
+}
+
+bool HasDisplay() { return qEnvironmentVariableIsSet("DISPLAY") || qEnvironmentVariableIsSet("WAYLAND_DISPLAY"); }
+
+int Finish(const TRunReport& report, const TCliOptions& options)
+{
+    for (const QString& line : report.errors + report.failedChecks) PrintTo(stderr, line);
+    if (!options.junit.isEmpty() && !WriteJUnitReport(options.junit, options.script, report)) {
+        PrintTo(stderr, Format(_("Der Bericht %s kann nicht geschrieben werden"), {options.junit}));
+    }
+    return report.exitCode;
+}
+
+int RunScript(int& argc, char** argv, const TCliOptions& options, const QString& text)
+{
+    QFile logFile(options.log);
+    if (!options.log.isEmpty() && !logFile.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Text)) {
+        PrintTo(stderr, Format(_("Die Protokolldatei %s kann nicht geschrieben werden"), {options.log}));
+        return 2;
+    }
+    auto logLine = [&logFile](const QString& line) {
+        if (!logFile.isOpen()) return;
+        logFile.write(line.toUtf8() + '\n');
+        logFile.flush();
+    };
+    THost host;
+    host.SetOutput([](const QString& line) { PrintTo(stdout, line); }, logLine);
+    SystemLog.SetSink([&](const QString& level, const QString& line) {
+        PrintTo(stderr, level + QStringLiteral(": ") + line);
+        host.Log(level.toUpper() + ' ' + line);
+    });
+    const QString folder = options.project.isEmpty() ? QFileInfo(options.script).absolutePath() : options.project;
+    host.SetProjectFolder(QDir::cleanPath(QDir(folder).absolutePath()));
+    SetHeadlessAnswers(options.answers);
+
+    TScriptRun run(options.script, host);
+    bool ok = run.Load(text);
+    for (const QString& d : options.defines) {
+        if (!ok) break;
+        ok = run.Define(d.section('=', 0, 0).trimmed(), d.section('=', 1));
+    }
+    if (!ok) return Finish(run.Report(), options);
+
+    std::unique_ptr<QCoreApplication> app;
+    if (run.NeedsDialog() && HasDisplay()) {
+        app = std::make_unique<QApplication>(argc, argv);
+        RegisterForms();
+    } else {
+        app = std::make_unique<QCoreApplication>(argc, argv);
+    }
+    std::setlocale(LC_NUMERIC, "C");  // the application object takes the user's locale
+    g_runControl = &host.GetRunControl();
+    std::signal(SIGINT, OnInterrupt);
+    run.Run();
+    std::signal(SIGINT, SIG_DFL);
+    g_runControl = nullptr;
+    SystemLog.SetSink({});
+    return Finish(run.Report(), options);
+}
+
+}  // namespace
+
+QString UsageText()
+{
+    return QStringLiteral(
+        "Aufruf: dvrun [Optionen] SKRIPT\n"
+        "  --define NAME=WERT   Startwert der deklarierten Variablen NAME (mehrfach möglich)\n"
+        "  --project ORDNER     Projektordner (PROJEKTPFAD); Vorgabe: der Ordner des Skripts\n"
+        "  --junit DATEI        JUnit-Bericht des Laufs schreiben\n"
+        "  --log DATEI          Protokoll des Laufs schreiben\n"
+        "  --answer BEFEHL=TEXT Antwort eines Dialogbefehls ohne Oberfläche (mehrfach möglich)\n"
+        "  --list               Befehlskatalog ausgeben (Prozedur und Signatur)\n"
+        "  --convert            Skript mit älteren Befehlszeilen in die aktuelle Form umschreiben\n"
+        "  --help               diese Hilfe\n"
+        "Rückgabe: 0 bestanden, 1 Laufzeitfehler, fehlgeschlagene Prüfung oder Abbruch,\n"
+        "          2 Aufruf- oder Syntaxfehler\n");
+}
+
+std::optional<QString> ParseOptions(const QStringList& args, TCliOptions& options)
+{
+    for (qsizetype i = 0; i < args.size(); ++i) {
+        const QString& a = args[i];
+        auto value = [&](QString& target) -> std::optional<QString> {
+            if (i + 1 >= args.size()) return Format(_("Die Option %s braucht einen Wert"), {a});
+            target = args[++i];
+            return std::nullopt;
+        };
+        std::optional<QString> error;
+        QString text;
+        if (a == "--help" || a == "-h") options.help = true;
+        else if (a == "--list") options.list = true;
+        else if (a == "--convert") options.convert = true;
+        else if (a == "--project") error = value(options.project);
+        else if (a == "--junit") error = value(options.junit);
+        else if (a == "--log") error = value(options.log);
+        else if (a == "--define" || a == "--answer") {
+            error = value(text);
+            if (!error && !text.contains('=')) error = Format(_("%s erwartet NAME=WERT, nicht \"%s\""), {a, text});
+            (a == "--define" ? options.defines : options.answers) << text;
+        } else if (a.startsWith('-') && a != "-") error = Format(_("Unbekannte Option %s"), {a});
+        else if (!options.script.isEmpty()) error = _("Nur ein Skript pro Aufruf");
+        else options.script = a;
+        if (error) return error;
+    }
+    if (!options.help && !options.list && options.script.isEmpty()) return _("Kein Skript angegeben");
+    return std::nullopt;
+}
+
+int RunDvrun(int& argc, char** argv)
+{
+    QStringList args;
+    for (int i = 1; i < argc; ++i) args << QString::fromLocal8Bit(argv[i]);
+    TCliOptions options;
+    if (const std::optional<QString> error = ParseOptions(args, options)) {
+        PrintTo(stderr, QStringLiteral("dvrun: ") + *error);
+        std::fputs(UsageText().toUtf8().constData(), stderr);
+        return 2;
+    }
+    if (options.help) {
+        std::fputs(UsageText().toUtf8().constData(), stdout);
+        return 0;
+    }
+    if (options.list) {
+        std::fputs(CatalogueListing(false).toUtf8().constData(), stdout);
+        return 0;
+    }
+    QString text;
+    if (const std::optional<QString> error = ReadScript(options.script, text)) {
+        PrintTo(stderr, QStringLiteral("dvrun: ") + *error);
+        return 2;
+    }
+    if (options.convert) {
+        THost host;
+        std::fputs(ConvertScript(text, host.Commands()).toUtf8().constData(), stdout);
+        return 0;
+    }
+    return RunScript(argc, argv, options, text);
+}
+
+}  // namespace dv::host

@@ -1,0 +1,176 @@
+#include "host/hostservices.h"
+
+#include "framework/exceptions.h"
+#include "framework/translate.h"
+#include "host/scriptparser.h"
+
+#include <QRegularExpression>
+
+namespace dv::host {
+
+namespace {
+
+// A node of the host's tree handed to a command; it evaluates in the frame running at the time.
+class THostNode final : public TDVAbsy {
+public:
+    THostNode(THost& host, TExprPtr expr) : host_(host), expr_(std::move(expr)) {}
+    TValuePtr Evaluate() const override { return host_.Evaluate(*expr_); }
+
+private:
+    THost& host_;
+    TExprPtr expr_;
+};
+
+}  // namespace
+
+THost::THost() : commands_(this)
+{
+    exec_.runControl = &runControl_;
+    exec_.hooks = this;
+    SetHostServices({this, this, this});
+}
+
+THost::~THost() { SetHostServices({}); }
+
+void THost::SetOutput(TLineSink stdoutSink, TLineSink logSink)
+{
+    stdout_ = std::move(stdoutSink);
+    log_ = std::move(logSink);
+}
+
+void THost::PrepareRun(QHash<int, TVal> defines)
+{
+    defines_ = std::move(defines);
+    globals_ = std::make_unique<TFrame>(program_.globals);
+    globals_->Slot(program_.projectPathSlot).Assign(TVal::String(projectFolder_));
+    exec_.globals = globals_.get();
+    exec_.frame = globals_.get();
+    exec_.defines = &defines_;
+    exec_.depth = 0;
+}
+
+void THost::RunMain() { program_.main.Exec(exec_); }
+
+void THost::Log(const QString& line)
+{
+    std::lock_guard lock(outputMutex_);
+    if (log_) log_(line);
+}
+
+TValuePtr THost::Evaluate(const TExpr& expr)
+{
+    TExec constants;  // before a run: only literals reach here
+    TExec& ex = exec_.frame ? exec_ : constants;
+    TVal v;
+    expr.Eval(ex, v);
+    return ToValue(v);
+}
+
+TDVAbsyPtr THost::ParseExpression(const QString& text)
+{
+    TScriptParser parser(program_, commands_);
+    const TScope* scope = exec_.frame ? &exec_.frame->Scope() : &program_.globals;
+    TExprPtr expr = parser.ParseExpressionText(text, scope);
+    if (auto* array = dynamic_cast<TArrayLiteral*>(expr.get())) {
+        std::vector<TDVAbsyPtr> elements;
+        for (TExprPtr& e : array->Elements()) elements.push_back(std::make_unique<THostNode>(*this, std::move(e)));
+        return std::make_unique<TDVAbsyArray>(std::move(elements));
+    }
+    return std::make_unique<THostNode>(*this, std::move(expr));
+}
+
+TDVAbsyPtr THost::ParseSingleExpression(const QString& text)
+{
+    try {
+        return ParseExpression(text);
+    } catch (const TDravikException&) {
+        return nullptr;
+    }
+}
+
+QString THost::ReplaceProjectPath(const QString& path) const
+{
+    QString out = path;
+    return out.replace(QLatin1String(kProjectPathPlaceholder), projectFolder_, Qt::CaseInsensitive);
+}
+
+TVariable* THost::Lookup(const QString& name) const
+{
+    if (!exec_.frame) return nullptr;
+    if (TVariable* v = exec_.frame->Find(name)) return v;
+    return exec_.globals->Find(name);
+}
+
+void THost::SetVariable(const QString& name, TValuePtr value)
+{
+    const QString trimmed = name.trimmed();
+    if (trimmed.isEmpty()) return;  // a var parameter the call left out writes nowhere
+    static const QRegularExpression element(QStringLiteral("^(\\w+)\\{(\\d+)\\}$"));
+    const QRegularExpressionMatch m = element.match(trimmed);
+    TVariable* var = Lookup(m.hasMatch() ? m.captured(1) : trimmed);
+    if (!var) Undeclared(m.hasMatch() ? m.captured(1) : trimmed);
+    if (!m.hasMatch()) {
+        var->Assign(FromValue(*value));
+        return;
+    }
+    if (var->value.kind != TValueKind::Array) {
+        throw TDVRuntimeException(Format(_("Die Variable \"%s\" ist kein Array."), {var->GetName()}));
+    }
+    TArrayValue& array = *var->value.array;
+    const TDVType elementType{array.GetElementKind(), TValueKind::Misc};
+    array.SetVal(m.captured(2).toInt(), ToValue(Coerce(FromValue(*value), elementType)));
+}
+
+void THost::AttachVariableEditor(QObject*) {}
+
+TDVVariable* THost::FindVariable(const QString& name) { return Lookup(name.trimmed()); }
+
+QString THost::ResolveText(const QString& text)
+{
+    const TVariable* var = Lookup(text.trimmed());
+    return var ? ValText(var->value) : text;
+}
+
+void THost::WriteOutput(const QString& text, const QString& fontName, int size, int style, int color)
+{
+    std::lock_guard lock(outputMutex_);
+    if (stdout_) stdout_(text);
+    if (log_) {
+        log_(QStringLiteral("AUSGABE %1 [Schrift=%2; Größe=%3; Stil=%4; Farbe=%5]")
+                 .arg(text, fontName, QString::number(size), QString::number(style), QString::number(color)));
+    }
+}
+
+void THost::SetStatusText(const QString& text)
+{
+    statusText_ = text;
+    Log(QStringLiteral("STATUS ") + text);
+}
+
+void THost::StopTest()
+{
+    stoppedByCommand_ = true;
+    runControl_.SignalStop();
+    Log(QStringLiteral("STOP"));
+}
+
+void THost::SetLaborVisible(bool show)
+{
+    laborVisible_ = show;
+    Log(show ? QStringLiteral("LABOR sichtbar") : QStringLiteral("LABOR verborgen"));
+}
+
+void THost::WriteLog(const QString& text)
+{
+    std::lock_guard lock(outputMutex_);
+    if (stdout_) stdout_(text);
+    if (log_) log_(QStringLiteral("LOG ") + text);
+}
+
+void THost::RecordFailedCheck(int line, const QString& text)
+{
+    failedChecks_.push_back({line, text});
+    Log(QStringLiteral("PRÜFUNG FEHLGESCHLAGEN Zeile %1: %2").arg(line).arg(text));
+}
+
+}  // namespace dv::host

@@ -1,0 +1,193 @@
+#include "host/statements.h"
+
+#include "framework/exceptions.h"
+#include "framework/translate.h"
+
+namespace dv::host {
+
+namespace {
+constexpr int kMaxCallDepth = 1000;
+}
+
+void Undeclared(const QString& name)
+{
+    throw TDVRuntimeException(Format(_("Der Bezeichner \"%s\" wurde nicht als Variable deklariert!"), {name}));
+}
+
+void TDeclare::Exec(TExec& ex) const
+{
+    ex.line = Line();
+    TFrame& frame = global_ ? *ex.globals : *ex.frame;
+    TVal init;
+    if (init_) init_->Eval(ex, init);
+    for (int slot : slots_) {
+        TVariable& var = frame.Slot(slot);
+        if (global_ && ex.defines && ex.defines->contains(slot)) {
+            var.Assign(ex.defines->value(slot));
+        } else if (init_) {
+            var.Assign(init);
+        } else {
+            var.SetDefault();
+        }
+    }
+}
+
+TAssign::TAssign(int line, std::unique_ptr<TVarRef> target, TExprPtr value)
+    : TStmt(line),
+      target_(std::move(target)),
+      value_(std::move(value)),
+      numeric_(target_->Type().kind == TValueKind::Number && value_->StaticKind() == TValueKind::Number)
+{
+    const auto* literal = dynamic_cast<const TLiteral*>(value_.get());
+    if (target_->Type().kind == TValueKind::String && literal && literal->Value().kind == TValueKind::String) {
+        text_ = &literal->Value().text;
+    }
+}
+
+void TAssign::Exec(TExec& ex) const
+{
+    ex.line = Line();
+    TVariable& var = target_->Var(ex);
+    if (numeric_) {
+        var.value.number = value_->Num(ex);
+        return;
+    }
+    if (text_) {
+        var.value.text = *text_;
+        return;
+    }
+    TVal v;
+    value_->Eval(ex, v);
+    var.Assign(std::move(v));
+}
+
+void TIndexAssign::Exec(TExec& ex) const
+{
+    ex.line = Line();
+    TVariable& var = target_->Var(ex);
+    if (var.value.kind != TValueKind::Array) {
+        throw TDVRuntimeException(Format(_("Die Variable \"%s\" ist kein Array."), {var.GetName()}));
+    }
+    const int index = ArrayIndex(index_->Num(ex));
+    TVal v;
+    value_->Eval(ex, v);
+    const TValueKind elementKind = var.value.array->GetElementKind();
+    var.value.array->SetVal(index, ToValue(Coerce(std::move(v), {elementKind, TValueKind::Misc})));
+}
+
+void TIf::Exec(TExec& ex) const
+{
+    ex.line = Line();
+    if (condition_->Bool(ex)) {
+        then_.Exec(ex);
+    } else {
+        else_.Exec(ex);
+    }
+}
+
+void TFor::Exec(TExec& ex) const
+{
+    ex.line = Line();
+    const long double from = from_->Num(ex);
+    const long double to = to_->Num(ex);
+    TVariable& var = var_->Var(ex);
+    const long double step = down_ ? -1 : 1;
+    for (long double i = from; down_ ? i >= to : i <= to; i += step) {
+        var.value.kind = TValueKind::Number;
+        var.value.number = i;
+        body_.Exec(ex);
+        ex.CheckStop();
+    }
+}
+
+void TWhile::Exec(TExec& ex) const
+{
+    for (;;) {
+        ex.line = Line();
+        if (!condition_->Bool(ex)) return;
+        body_.Exec(ex);
+        ex.CheckStop();
+    }
+}
+
+void TRepeat::Exec(TExec& ex) const
+{
+    for (;;) {
+        body_.Exec(ex);
+        ex.CheckStop();
+        ex.line = untilLine_;
+        if (condition_->Bool(ex)) return;
+    }
+}
+
+void TCase::Exec(TExec& ex) const
+{
+    ex.line = Line();
+    TVal selector, value;
+    selector_->Eval(ex, selector);
+    for (const TCaseBranch& branch : branches_) {
+        bool match = branch.values.empty();
+        for (const TExprPtr& e : branch.values) {
+            ex.line = branch.line;
+            e->Eval(ex, value);
+            if (CompareValues(TOp::Eq, selector, value)) {
+                match = true;
+                break;
+            }
+        }
+        if (match) {
+            branch.body.Exec(ex);
+            return;
+        }
+    }
+}
+
+void TProcCall::Exec(TExec& ex) const
+{
+    ex.line = Line();
+    if (ex.depth >= kMaxCallDepth) {
+        throw TDVRuntimeException(Format(_("Zu tiefe Rekursion beim Aufruf von %s"), {procedure_.signature.name}));
+    }
+    TFrame frame(procedure_.scope);
+    for (std::size_t i = 0; i < args_.size(); ++i) {
+        const TBoundArg& arg = args_[i];
+        const int slot = static_cast<int>(i);
+        if (arg.present && procedure_.signature.params[i].isVar) {
+            if (!arg.ref) Undeclared(arg.name);
+            frame.Bind(slot, arg.ref->Var(ex));
+            continue;
+        }
+        // An input argument, or a left-out parameter that takes its default.
+        const TExpr* source = arg.value ? arg.value.get() : procedure_.defaults[i].get();
+        if (!source) continue;
+        TVal v;
+        source->Eval(ex, v);
+        frame.Own(slot).Assign(std::move(v));
+    }
+    TFrame* caller = ex.frame;
+    ex.frame = &frame;
+    ++ex.depth;
+    procedure_.body.Exec(ex);
+    --ex.depth;
+    ex.frame = caller;
+    ex.line = Line();
+}
+
+void TLogCall::Exec(TExec& ex) const
+{
+    ex.line = Line();
+    TVal v;
+    text_->Eval(ex, v);
+    ex.hooks->WriteLog(ValText(v));
+}
+
+void TCheckCall::Exec(TExec& ex) const
+{
+    ex.line = Line();
+    if (condition_->Bool(ex)) return;
+    TVal text;
+    if (text_) text_->Eval(ex, text);
+    ex.hooks->RecordFailedCheck(Line(), text_ ? ValText(Coerce(std::move(text), g_StringType)) : QString());
+}
+
+}  // namespace dv::host

@@ -1,0 +1,61 @@
+#include "host/variables.h"
+
+namespace dv::host {
+
+TVariable::TVariable(QString name, TDVType type) : name_(std::move(name)), type_(type) { SetDefault(); }
+
+TValue& TVariable::GetValue()
+{
+    if (value.kind == TValueKind::Array) return *value.array;
+    snapshot_ = ToValue(value);
+    return *snapshot_;
+}
+
+void TVariable::Assign(TVal v)
+{
+    TVal converted = Coerce(std::move(v), type_);
+    if (converted.kind == TValueKind::Array && converted.array.use_count() > 1) {
+        converted.array.reset(static_cast<TArrayValue*>(converted.array->Clone().release()));
+    }
+    value = std::move(converted);
+}
+
+void TVariable::SetDefault()
+{
+    switch (type_.kind) {
+    case TValueKind::String: value = TVal::String({}); break;
+    case TValueKind::Boolean: value = TVal::Boolean(false); break;
+    case TValueKind::Array: value = TVal::Array(std::make_shared<TArrayValue>(type_.elementKind)); break;
+    case TValueKind::Number:
+    case TValueKind::Misc: value = TVal::Number(0); break;
+    }
+}
+
+int TScope::Declare(const TSymbol& symbol)
+{
+    const QString key = symbol.name.toLower();
+    if (index_.contains(key)) return -1;
+    symbols_.push_back(symbol);
+    const int slot = Size() - 1;
+    index_.insert(key, slot);
+    return slot;
+}
+
+int TScope::Find(const QString& name) const { return index_.value(name.toLower(), -1); }
+
+TFrame::TFrame(const TScope& scope) : scope_(scope)
+{
+    slots_.reserve(static_cast<std::size_t>(scope.Size()));
+    for (int i = 0; i < scope.Size(); ++i) {
+        owned_.emplace_back(scope.Symbol(i).name, scope.Symbol(i).type);
+        slots_.push_back(&owned_.back());
+    }
+}
+
+TVariable* TFrame::Find(const QString& name) const
+{
+    const int slot = scope_.Find(name);
+    return slot < 0 ? nullptr : slots_[static_cast<std::size_t>(slot)];
+}
+
+}  // namespace dv::host
