@@ -9,6 +9,7 @@
 #include <cmath>
 #include <complex>
 #include <numbers>
+#include <utility>
 #include <vector>
 
 namespace dv::analysis {
@@ -157,25 +158,48 @@ TSosCascade DesignButterworth(TFilterResponse response, int order, double freque
     return cascade;
 }
 
-void RunCascade(const TSosCascade& cascade, std::span<const double> input, std::span<double> output)
+namespace {
+
+// The section count is a template argument so that the loops unroll and the states stay in
+// registers: a state stored and reloaded every sample would put memory latency on the
+// recursion's critical path. Sample by sample through all sections lets the sections'
+// dependency chains overlap in the pipeline.
+template <std::size_t Count>
+void RunFixed(const TSosCascade& cascade, const double* input, double* output, std::size_t length)
 {
-    // Sample by sample through all sections: the sections' dependency chains then overlap in the
-    // pipeline, where section by section each would wait for its own previous output.
-    std::array<double, kMaxFilterOrder> s1{};
-    std::array<double, kMaxFilterOrder> s2{};
-    const auto count = static_cast<std::size_t>(cascade.count);
-    const std::size_t length = std::min(input.size(), output.size());
+    std::array<TBiquad, Count> s;
+    std::copy_n(cascade.sections.begin(), Count, s.begin());
+    std::array<double, Count> s1{};
+    std::array<double, Count> s2{};
     for (std::size_t i = 0; i < length; ++i) {
         double x = input[i];
-        for (std::size_t k = 0; k < count; ++k) {
-            const TBiquad& s = cascade.sections[k];
-            const double y = s.b0 * x + s1[k];
-            s1[k] = s.b1 * x - s.a1 * y + s2[k];
-            s2[k] = s.b2 * x - s.a2 * y;
+        for (std::size_t k = 0; k < Count; ++k) {
+            const double y = s[k].b0 * x + s1[k];
+            s1[k] = s[k].b1 * x - s[k].a1 * y + s2[k];
+            s2[k] = s[k].b2 * x - s[k].a2 * y;
             x = y;
         }
         output[i] = x;
     }
+}
+
+template <std::size_t... Counts>
+void Dispatch(const TSosCascade& cascade, const double* input, double* output, std::size_t length,
+              std::index_sequence<Counts...>)
+{
+    using Runner = void (*)(const TSosCascade&, const double*, double*, std::size_t);
+    static constexpr Runner runners[] = {&RunFixed<Counts + 1>...};
+    if (cascade.count >= 1 && cascade.count <= static_cast<int>(sizeof...(Counts))) {
+        runners[cascade.count - 1](cascade, input, output, length);
+    }
+}
+
+}  // namespace
+
+void RunCascade(const TSosCascade& cascade, std::span<const double> input, std::span<double> output)
+{
+    const std::size_t length = std::min(input.size(), output.size());
+    Dispatch(cascade, input.data(), output.data(), length, std::make_index_sequence<kMaxFilterOrder>{});
 }
 
 }  // namespace dv::analysis
