@@ -2,6 +2,8 @@
 // The measurements the scope offers on a recorded curve. Each reads curve c (handle c) of the
 // scope's curve store, measures only the curve's zoomed range (GetCurveZoomParams) and marks what
 // it found with crosses. One analysis at a time: the functions share the unit's range pair.
+#include "analysis/curvefunctions_filters.h"
+#include "analysis/curvefunctions_spectrum.h"
 #include "analysis/curvestore.h"
 #include "analysis/curvetypes.h"
 

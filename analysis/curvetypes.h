@@ -1,14 +1,8 @@
 #pragma once
 // Types that hand curves and measurement modes between the scope and the curve functions.
-#include <vector>
+#include "analysis/memarray.h"
 
 namespace dv::analysis {
-
-// A whole curve: its samples and the sample rate that belongs to them.
-struct TMemArray {
-    std::vector<double> a;
-    double rate = 0;
-};
 
 enum TPeakMode { PeakMin, PeakMax, PeakDiff };
 
