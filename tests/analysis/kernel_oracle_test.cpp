@@ -78,43 +78,41 @@ TEST(KernelOracleTest, EdgeSearchPeakScanAndExtremaEqualTheLiteralVersions)
     std::uniform_int_distribution<int> level(-2, 2);
     std::bernoulli_distribution coin;
     int withEdges = 0;
-    for (int n = 0; n <= 40; ++n) {
-        for (int trial = 0; trial < 60; ++trial) {
-            Curve x(n), y(n);
-            for (int i = 1; i < n; ++i) {
-                x[i] = x[i - 1] + (coin(rng) || coin(rng)) * 0.5;
-                y[i] = coin(rng) && coin(rng) ? level(rng) : y[i - 1];
-            }
-            kernels::TEdgeQuery q{double(level(rng)), 0, coin(rng), coin(rng), coin(rng)};
-            q.stopLevel = coin(rng) ? q.startLevel : level(rng) + 0.5;
-            q.count = int(rng() % 4);
-            const int from = n ? int(rng() % unsigned(n)) : 0;
-            const int to = n - 1 - (n > 1 ? int(rng() % 3) : 0);
-            for (TImpulsMode mode : {imTime, imFreq, imPhase, imCount, imDutyCycle}) {
-                q.mode = mode;
-                Marks fast, literal;
-                const double a = kernels::TimeDifference(x, y, from, to, q, fast);
-                const double b = LiteralTimeDifference(x, y, from, to, q, literal);
-                auto sameTime = [](TPoint f, TPoint l) { return Same(f.x, l.x); };
-                ASSERT_TRUE(Same(a, b) && std::ranges::equal(fast, literal, sameTime))
-                    << n << " " << trial << " " << mode << ": " << a << " vs " << b;
-                withEdges += !literal.empty();
-            }
-            kernels::TPeakScan want{big, 0, -big, 0};
-            for (int i = from; i <= to; ++i) {
-                if (y[i] != 0.0 && y[i] > want.max) want.max = y[i], want.maxX = x[i];
-                if (y[i] != 0.0 && y[i] < want.min) want.min = y[i], want.minX = x[i];
-            }
-            const kernels::TPeakScan got = kernels::ScanPeaks(x, y, from, to);
-            ASSERT_EQ(Curve({got.min, got.minX, got.max, got.maxX}),
-                      Curve({want.min, want.minX, want.max, want.maxX})) << n;
-            for (double window : {0.0, 0.5, 1.0, 2.5, 1e300}) {
-                for (auto kind : {TExtremumKind::Maximum, TExtremumKind::Minimum}) {
-                    const double epsilon = trial % 2 ? 1.5 : 0.0;
-                    ASSERT_EQ(FindAllExtrema(x, y, kind, window, epsilon),
-                              LiteralExtrema(x, y, kind, window, epsilon))
-                        << "n=" << n << " trial=" << trial << " window=" << window;
-                }
+    for (int trial = 0; trial < 41 * 60; ++trial) {  // every n of 0 .. 40, 60 times
+        const int n = trial / 60;
+        Curve x(n), y(n);
+        for (int i = 1; i < n; ++i) {
+            x[i] = x[i - 1] + (coin(rng) || coin(rng)) * 0.5;
+            y[i] = coin(rng) && coin(rng) ? level(rng) : y[i - 1];
+        }
+        kernels::TEdgeQuery q{double(level(rng)), 0, coin(rng), coin(rng), coin(rng)};
+        q.stopLevel = coin(rng) ? q.startLevel : level(rng) + 0.5;
+        q.count = int(rng() % 4);
+        const int from = n ? int(rng() % unsigned(n)) : 0, to = n - 1 - int(n > 1 ? rng() % 3 : 0);
+        for (TImpulsMode mode : {imTime, imFreq, imPhase, imCount, imDutyCycle}) {
+            q.mode = mode;
+            Marks fast, literal;
+            const double a = kernels::TimeDifference(x, y, from, to, q, fast);
+            const double b = LiteralTimeDifference(x, y, from, to, q, literal);
+            auto sameTime = [](TPoint f, TPoint l) { return Same(f.x, l.x); };
+            ASSERT_TRUE(Same(a, b) && std::ranges::equal(fast, literal, sameTime))
+                << "n=" << n << " trial=" << trial << " mode=" << mode << ": " << a << " vs " << b;
+            withEdges += !literal.empty();
+        }
+        kernels::TPeakScan want{big, 0, -big, 0};
+        for (int i = from; i <= to; ++i) {
+            if (y[i] != 0.0 && y[i] > want.max) want.max = y[i], want.maxX = x[i];
+            if (y[i] != 0.0 && y[i] < want.min) want.min = y[i], want.minX = x[i];
+        }
+        const kernels::TPeakScan got = kernels::ScanPeaks(x, y, from, to);
+        ASSERT_EQ(Curve({got.min, got.minX, got.max, got.maxX}),
+                  Curve({want.min, want.minX, want.max, want.maxX})) << n;
+        for (double window : {0.0, 0.5, 1.0, 2.5, 1e300}) {
+            for (auto kind : {TExtremumKind::Maximum, TExtremumKind::Minimum}) {
+                const double epsilon = trial % 2 ? 1.5 : 0.0;
+                ASSERT_EQ(FindAllExtrema(x, y, kind, window, epsilon),
+                          LiteralExtrema(x, y, kind, window, epsilon))
+                    << "trial=" << trial << " window=" << window;
             }
         }
     }
@@ -133,19 +131,15 @@ TEST(KernelOracleTest, EnvelopeComparisonEqualsTheLiteralWalk)
         if (sorted) std::sort(v.begin(), v.end());
         return v;
     };
-    for (int n = 0; n <= 9; ++n) {
-        for (int m = 0; m <= 9; ++m) {
-            for (int trial = 0; trial < 120; ++trial) {
-                const Curve x = grid(n, 0.25, 14, trial % 3 != 0), y = grid(n, 1.0, 3, false);
-                const Curve ex = grid(m, 0.5, 6, trial % 3 != 1), ey = grid(m, 1.0, 3, false);
-                const int from = n ? int(rng() % unsigned(n)) : 0;
-                const int to = n - 1 - (n ? int(rng() % 2) : 0);
-                for (bool upper : {true, false}) {
-                    ASSERT_EQ(kernels::FirstEnvelopeViolation(x, y, from, to, ex, ey, upper),
-                              LiteralEnvelopeWalk(x, y, from, to, ex, ey, upper))
-                        << "upper=" << upper << " n=" << n << " m=" << m << " trial=" << trial;
-                }
-            }
+    for (int trial = 0; trial < 12000; ++trial) {  // every n and m of 0 .. 9, 120 times
+        const int n = trial % 10, m = trial / 10 % 10;
+        const Curve x = grid(n, 0.25, 14, trial % 3 != 0), y = grid(n, 1.0, 3, false);
+        const Curve ex = grid(m, 0.5, 6, trial % 3 != 1), ey = grid(m, 1.0, 3, false);
+        const int from = n ? int(rng() % unsigned(n)) : 0, to = n - 1 - (n ? int(rng() % 2) : 0);
+        for (bool upper : {true, false}) {
+            ASSERT_EQ(kernels::FirstEnvelopeViolation(x, y, from, to, ex, ey, upper),
+                      LiteralEnvelopeWalk(x, y, from, to, ex, ey, upper))
+                << "upper=" << upper << " n=" << n << " m=" << m << " trial=" << trial;
         }
     }
 }
