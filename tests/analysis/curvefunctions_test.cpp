@@ -18,7 +18,6 @@
 namespace dv::analysis::test {
 namespace {
 
-using ::testing::DoubleNear;
 using ::testing::NanSensitiveDoubleNear;
 
 struct TMeasureCase {
@@ -74,7 +73,7 @@ protected:
 // rounding of the times; differences of a few ms between times near 0.1 s keep 13 digits: 1e-9.
 TEST_F(CurveFunctionsTest, LevelsAndEdgesMatchTheReference)
 {
-    auto near = [](double e, double rel) { return DoubleNear(e, rel * std::abs(e)); };
+    auto near = [](double e, double rel) { return ::testing::DoubleNear(e, rel * std::abs(e)); };
     for (const TMeasureCase& c : LoadCases("measure_levels.txt")) {
         SCOPED_TRACE(c.name);
         Store().Assign(1, c.x, c.y);

@@ -42,7 +42,8 @@ double LiteralTimeDifference(const Curve& x, const Curve& y, int from, int to,
             if (q.mode == imPhase) return tStart;
         }
     }
-    if (q.mode == imTime || q.mode == imCount) return q.mode == imTime ? tStop - tStart : periods;
+    if (q.mode == imTime) return tStop - tStart;
+    if (q.mode == imCount) return periods;
     if (periods < 2) return 0;
     if (q.mode == imDutyCycle) return high * 100 / (tStart - tFirst);
     return q.mode == imFreq ? (periods - 1) / (tStart - tFirst) : 0;
