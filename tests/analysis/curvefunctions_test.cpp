@@ -1,262 +1,260 @@
-// Hand-worked cases of the curve measurements: edge cases, kept quirks, marks and unit state.
+// The curve measurements: numbers against make_measure_refs.py's data, hand-worked edge cases and
+// kept quirks with the crosses they leave, the clip marks and the store.
 #include "analysis/curvefunctions.h"
 #include "framework/exceptions.h"
-#include "tests/analysis/scopefixture.h"
+#include "scope/envelopefile.h"
+
+#include <gmock/gmock.h>
 
 #include <QFile>
 #include <QTemporaryDir>
 
-#include <cmath>
+#include <fstream>
 #include <functional>
 #include <limits>
-#include <numbers>
+#include <map>
+#include <optional>
 
 namespace dv::analysis::test {
 namespace {
 
-constexpr double kBig = std::numeric_limits<double>::max();
+using ::testing::NanSensitiveDoubleNear;
 
-class CurveFunctionsTest : public ScopeTest {};
+struct TMeasureCase {
+    std::string name;
+    std::vector<double> x, y;
+    std::map<std::string, double> at;  // parameters and expected results, by name
+};
 
-TEST_F(CurveFunctionsTest, EmptyAndFlatCurvesGiveZeroOrTheirStatedValue)
+// Reads the cases that make_measure_refs.py writes (format described there).
+std::vector<TMeasureCase> LoadCases(const std::string& file)
 {
+    std::ifstream in(std::string(DV_TEST_DATA_DIR) + "/analysis/data/" + file);
+    std::vector<TMeasureCase> cases(1);  // a dummy that takes anything before the first case
+    std::string kind, key;
+    while (in >> kind) {
+        if (kind == "case") {
+            in >> cases.emplace_back().name;
+        } else if (kind == "x" || kind == "y") {
+            std::vector<double>& v = kind == "x" ? cases.back().x : cases.back().y;
+            std::size_t n = 0;
+            in >> n;
+            v.resize(n);
+            for (double& e : v) in >> e;
+        } else {
+            in >> key;
+            in >> cases.back().at[key];
+        }
+    }
+    EXPECT_TRUE(in.eof() && cases.size() > 1) << "unreadable reference file " << file;
+    return {cases.begin() + 1, cases.end()};
+}
+
+class CurveFunctionsTest : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        Store().ClearAll();
+        Store().ClearCrosses();
+        Store().SetClip("", "");
+    }
+    void TearDown() override { SetUp(); }
+    static TCurveStore& Store() { return ScopeStore(); }
+    static void SetCurve(int c, const std::vector<double>& y)  // at times 0, 1, 2, ...
+    {
+        std::vector<double> x(y.size());
+        for (std::size_t i = 0; i < x.size(); ++i) x[i] = double(i);
+        Store().Assign(c, x, y);
+    }
+};
+
+// Sums of a few thousand samples, pairwise in numpy and in eight partial sums here, stay within
+// n * epsilon of the exact sum: 1e-11. Edge times interpolate straight ramps exactly up to the
+// rounding of the times; differences of a few ms between times near 0.1 s keep 13 digits: 1e-9.
+TEST_F(CurveFunctionsTest, LevelsAndEdgesMatchTheReference)
+{
+    auto near = [](double e, double rel) { return ::testing::DoubleNear(e, rel * std::abs(e)); };
+    for (const TMeasureCase& c : LoadCases("measure_levels.txt")) {
+        SCOPED_TRACE(c.name);
+        Store().Assign(1, c.x, c.y);
+        const double off = c.at.at("rms_offset");
+        EXPECT_THAT(KurvenMittelwert(1), near(c.at.at("mean"), 1e-11));
+        EXPECT_THAT(KurvenEffektivwert(1, off, 1), near(c.at.at("rms"), 1e-11));
+        EXPECT_THAT(KurvenOffset(1), near(c.at.at("offset"), 1e-11));
+        EXPECT_THAT(KurvenEffektivwert(1, off, 2), near(c.at.at("rms_whole_periods"), 1e-11));
+        EXPECT_NEAR(KurvenOffset(1), c.at.at("dc"), 2e-3);  // the DC part the mean misses
+    }
+    for (const TMeasureCase& c : LoadCases("measure_pulses.txt")) {
+        SCOPED_TRACE(c.name);
+        Store().Assign(1, c.x, c.y);
+        auto edge = [l = c.at.at("level")](int count, TImpulsMode mode) {
+            return Zeitdifferenz(1, l, l, true, false, true, count, mode);
+        };
+        EXPECT_EQ(edge(1, imCount), c.at.at("count"));
+        EXPECT_THAT(edge(1, imTime), near(c.at.at("time_count1"), 1e-9));
+        EXPECT_THAT(edge(2, imTime), near(c.at.at("time_count2"), 1e-9));
+        EXPECT_THAT(edge(1, imFreq), near(c.at.at("frequency"), 1e-9));
+        EXPECT_THAT(edge(1, imDutyCycle), near(c.at.at("duty_cycle"), 1e-9));
+        EXPECT_THAT(edge(7, imPhase), near(c.at.at("first_rise"), 1e-9));
+    }
+}
+
+TEST_F(CurveFunctionsTest, HandWorkedCases)
+{
+    QTemporaryDir dir;
+    const QString band = dir.filePath("band.HKV"), twoPoints = dir.filePath("2.HKV");
+    Store().Assign(kUpperEnvelope, {0, 4, 8, 12}, {2, 2, 4, 4});
+    Store().Assign(kLowerEnvelope, {0, 4, 8, 12}, {0, 0, -1, -1});
+    scope::SaveHK(Store(), band);
+    Store().Assign(kUpperEnvelope, {0, 4}, {0, 0});
+    scope::SaveHK(Store(), twoPoints);
+    QFile table(dir.filePath("table.txt"));
+    ASSERT_TRUE(table.open(QIODevice::WriteOnly));
+    table.write("0;0\r\nno numbers here\r\n10;5\r\nabc;1\r\n20;5\r\n30,5;2\r\n7\r\n");
+    table.close();
+    constexpr double big = std::numeric_limits<double>::max();
+    using V = std::vector<double>;
+    const V off = {12, 1, 2.2, 4, 1, 2.2, 4, 4, 1, 2.2, 0}, ramp = {0, 10, 20, 10};
+    const V wave = {3, -1, 3, -1, 3, -1, 3, -1, 3}, step = {5, 5, 0, 0, 5, 5, 0},
+        peaks = {7, 0, -2, 9, 9, -2, 4, 100}, bumps = {5, 1, 3, 1, 4, 0.5};
+    auto square = [](int shift) {  // period 4 between 1 and 3, high where (i + shift) % 4 < 2
+        V y(16);
+        for (int i = 0; i < 16; ++i) y[i] = (i + shift) % 4 < 2 ? 3 : 1;
+        return y;
+    };
+    using F = std::function<double()>;
+    auto crossFirst = [](F f) -> F { return [f] { Store().SetCross(7, 7); return f(); }; };
+    auto edge = [](bool needsEdge, TImpulsMode m) -> F {
+        return [=] { return Zeitdifferenz(1, 2.5, 2.5, true, false, needsEdge, 1, m); };
+    };
+    auto query = [](bool yGiven, double v) -> F { return [=] { return Query_XY(1, yGiven, v); }; };
+    auto peak = [](TPeakMode m, bool local, double window = 1) -> F {
+        return [=] { return Peak(1, m, local, window, 1e-5); };
+    };
+    auto diff = [](double k, int i) -> F { return [=] { return Differenzkurve(1, k).a.at(i); }; };
+    auto phaseTo = [](V y) -> F {
+        return [=] { SetCurve(2, y); return Phasenverschiebung(1, 2, 3); };
+    };
+    auto inside = [](QString file) -> F { return [=] { return Huellkurvenvergleich(1, file); }; };
+    auto correct = [](QString f) -> F {
+        return [=] { KurvenKorrektur(1, f); return Store().Y(1)[0]; };
+    };
+    using Marks = std::optional<std::vector<double>>;  // crosses as time, value, time, value, ...
     struct Row {
         const char* what;
-        std::vector<double> y;
-        std::function<double()> measure;
+        V y;  // curve 1
+        F measure;
         double expected;
+        Marks crosses = std::nullopt;
     };
     const Row rows[] = {
         {"offset of three samples", {1, 2, 3}, [] { return KurvenOffset(1); }, 0},
-        {"offset of a flat curve", {2, 2, 2, 2, 2}, [] { return KurvenOffset(1); }, 0},
-        {"offset with one crossing", {-1, -1, 1, 1, 1}, [] { return KurvenOffset(1); }, 0},
+        {"offset without a whole period", {-1, -1, 1, 1, 1}, [] { return KurvenOffset(1); }, 0},
+        // Counting the trailing zero would lower the mid level to 2 and move both crossings.
+        {"offset over whole periods, zeros are gaps", off, [] { return KurvenOffset(1); }, 7.2 / 3,
+         Marks({3, 0, 6, 0})},
         {"mean of nothing", {}, [] { return KurvenMittelwert(1); }, 0},
-        {"rms of nothing", {}, [] { return KurvenEffektivwert(1, 0, 1); }, 0},
         {"rms of nothing, whole periods", {}, [] { return KurvenEffektivwert(1, 0, 2); }, 0},
-        {"frequency of a flat curve", {1, 1, 1, 1},
-         [] { return Zeitdifferenz(1, 0.5, 0.5, true, false, true, 1, imFreq); }, 0},
-        {"duty cycle of one period", {0, 1, 0, 0, 0},
-         [] { return Zeitdifferenz(1, 0.5, 0.5, true, false, true, 1, imDutyCycle); }, 0},
-        {"phase edge of a flat curve", {1, 1, 1},
-         [] { return Zeitdifferenz(1, 0.5, 0.5, true, false, true, 1, imPhase); }, 0},
-        {"pulse count of nothing", {},
-         [] { return Zeitdifferenz(1, 0.5, 0.5, true, false, true, 1, imCount); }, 0},
-        {"local peak of a one-sample range", {4}, [] { return Peak(1, PeakMax, true, 1, 1e-5); },
-         -2.0},
-        {"lowest of all-zero samples", {0, 0, 0, 0}, [] { return Peak(1, PeakMin, false, 0, 0); },
-         kBig},
-        {"highest of all-zero samples", {0, 0, 0, 0}, [] { return Peak(1, PeakMax, false, 0, 0); },
-         -kBig},
-        {"phase shift against a flat curve", {}, [] { return Phasenverschiebung(1, 2, 3); }, 0},
+        // Offset 1, falling crossings at 2.5 (tie: the later sample 3) and 6.5 (searched backward,
+        // tie: the earlier sample 6); the RMS is about the caller's offset 0.
+        {"rms over whole periods", wave, [] { return KurvenEffektivwert(1, 0, 2); }, std::sqrt(5.0),
+         Marks({2.5, 1, 6.5, 1})},
+        {"start at the curve's start without a needed edge", step, edge(false, imTime), 0.5},
+        // The range's last step is never taken: the stop keeps the range's first time.
+        {"no stop after the start", step, crossFirst(edge(true, imTime)), -3.5, Marks({3.5, 2.5})},
+        {"phase mode keeps earlier crosses", step, crossFirst(edge(true, imPhase)), 3.5,
+         Marks({7, 7, 3.5, 2.5})},
+        {"time at a value", ramp, query(true, 15), 1.5, Marks({1.5, 15})},
+        {"no time has the value", ramp, query(true, 30), NAN},
+        {"before the first sample the first segment extrapolates", ramp, query(false, -3), -30},
+        {"the last segment is never examined", ramp, query(false, 2.5), NAN},
+        {"a flat pair answers with its later time", {3, 3, 3, 0}, query(true, 3), 1},
+        // Zeros and the last sample are skipped; equal values keep the earlier sample.
+        {"spread, lowest marked first", peaks, peak(PeakDiff, false), 11, Marks({2, -2, 3, 9})},
+        {"lowest of all-zero samples", {0, 0, 0}, peak(PeakMin, false), big},
+        {"highest of all-zero samples", {0, 0, 0}, peak(PeakMax, false), -big},
+        {"local maximum past the one on the range start", bumps, peak(PeakMax, true), 2,
+         Marks({2, 3})},
+        {"the local spread mode looks for minima", bumps, peak(PeakDiff, true), 1},
+        {"a window wider than the curve keeps the edge", bumps, peak(PeakMax, true, big), 0},
+        {"no local extremum", {4}, peak(PeakMax, true), -2.0, Marks({})},
+        // Steps of 1/10000, rounded half to even: 0, 0.5 -> 0, 2.5 -> 2, 3.5 -> 4.
+        {"difference, factor 0 as 1", {0, 0.00005, 0.00025, 0.00035}, diff(0, 2), 0.0002},
+        {"difference, a step below 0.00005 vanishes", {1.00001, 1.00003}, diff(1, 0), 0},
+        {"difference at the curve's own index", {0, 0, 0, 0, 0, 0.025, 0.036, 0.049, 0.064},
+         [] { ScopeStore().SetClip("5", "7"); return Differenzkurve(1, -1).a.at(6); }, -0.013},
+        {"lagging curve", square(2), phaseTo(square(1)), 90},
+        // Every pass finds the first edge again, so the lag reads as -270 degrees here.
+        {"the same lag, curve 2 rising first in the range", square(0), phaseTo(square(3)), -270},
+        {"phase shift against a flat curve", {}, phaseTo(V(50, 1.0)), 0, Marks({})},
+        {"touching both envelopes", {1, 2, 0, 1, 2, -0.25, 3, 3.5}, inside(band), 1, Marks({})},
+        {"below the lower at 5, above the upper at 6: upper first",
+         {1, 2, 0, 1, 2, -0.3, 3.0000001, 9}, inside(band), 0, Marks({6, 3.0000001})},
+        {"envelopes of two points test nothing", {99, 99, 99}, inside(twoPoints), 1},
+        {"missing envelope file", {1}, inside(dir.filePath("none.HKV")), 0},
+        // Both differences scaled by 1/100, lines without two numbers skipped: 5 - 5 * 10 / 100 *
+        // 5 / 100 and 25 - (5 * 10.5 / 100 * -3 / 100 + 5).
+        {"correction inside a row", {5}, crossFirst(correct(table.fileName())), 4.975, Marks({})},
+        {"correction by a row with a decimal comma", {25}, correct(table.fileName()), 20.01575},
+        {"no correction outside every row", {-1}, correct(table.fileName()), -1},
+        {"a missing correction file changes nothing", {5}, correct(dir.filePath("none.txt")), 5},
     };
     for (const Row& r : rows) {
         SetUp();
         SetCurve(1, r.y);
-        SetCurve(2, std::vector<double>(50, 1.0));
-        EXPECT_EQ(r.measure(), r.expected) << r.what;
+        const double tolerance = std::isnan(r.expected) ? 0 : std::abs(r.expected) * 1e-14;
+        EXPECT_THAT(r.measure(), NanSensitiveDoubleNear(r.expected, tolerance)) << r.what;
+        std::vector<double> crosses;
+        for (const TPoint& p : Store().Crosses()) crosses.insert(crosses.end(), {p.x, p.y});
+        if (r.crosses) {
+            EXPECT_EQ(crosses, *r.crosses) << r.what;
+        }
     }
-    SetCurve(1, {0, 1, 2});
-    EXPECT_TRUE(std::isnan(Query_XY(1, true, 10))) << "no value match";
-    EXPECT_TRUE(std::isnan(Query_XY(1, false, 10))) << "no time match";
+}
+
+TEST(StrToFloatPTest, CommaIsTheSeparatorUnlessThereIsAPoint)
+{
+    // With a point the comma is neither separator nor digit grouping; no number reads as 0.
+    const std::pair<const char*, double> rows[] = {
+        {"1,5", 1.5},  {"1.5", 1.5},     {"-0,25", -0.25}, {" 2,5 ", 2.5}, {"1e3", 1000.0},
+        {"", 0},       {"abc", 0},       {"1,5,3", 0},     {"1.000,5", 0}, {"1,000.5", 0},
+        {"12V", 0},    {"inf", 0},       {"nan", 0},
+    };
+    for (const auto& [text, expected] : rows) EXPECT_EQ(StrToFloatP(text), expected) << text;
+}
+
+// "0,5" to "2,5": the stop takes the first sample after its mark; start "4": the first sample at
+// the mark is the last one, so 0; "9": no sample reaches a mark; "x": unreadable marks read as 0.
+TEST(CurveStoreTest, ClipMarksSelectTheFirstSamplesAtOrBeyondThem)
+{
+    TCurveStore store;
+    store.Assign(1, {5, 0, 6, 1, 7}, {0, 0, 0, 0, 0});  // unordered: both scans start at index 0
+    store.Assign(2, {0, 1, 2, 3, 4}, {5, 6, 7, 8, 9});
+    const std::tuple<int, const char*, const char*, int, int> rows[] = {
+        {2, "", "", 0, 4},   {2, "1", "3", 1, 3}, {2, "0,5", "2,5", 1, 3}, {2, "4", "", 0, 4},
+        {2, "9", "9", 0, 4}, {2, "x", "y", 0, 0}, {1, "1", "2", 0, 0},     {3, "1", "2", 0, -1},
+    };
+    for (const auto& [curve, start, stop, from, to] : rows) {
+        store.SetClip(start, stop);
+        int gotFrom = -1, gotTo = -1;
+        store.GetCurveZoomParams(curve, gotFrom, gotTo);
+        EXPECT_EQ(std::pair(gotFrom, gotTo), std::pair(from, to)) << curve << start << ":" << stop;
+    }
+}
+
+TEST(CurveStoreTest, BadHandlesAndIndicesChangeNothing)
+{
+    TCurveStore store;
+    store.Assign(1, {1}, {2});
+    for (int bad : {0, 8, -1}) {
+        EXPECT_THAT([&] { store.Clear(bad); }, ::testing::ThrowsMessage<TDravikException>(
+                                                   ::testing::EndsWith(" " + std::to_string(bad))));
+    }
     EXPECT_THROW(KurvenOffset(9), TDravikException);
-}
-
-TEST_F(CurveFunctionsTest, OffsetCountsWholePeriodsAndTreatsZeroAsGap)
-{
-    // Index 0 is only ever a predecessor; the zero at the end is a gap for min/max. Counting it
-    // would lower the mid level to 2 and move both crossings (mean 18.4 / 7).
-    SetCurve(1, {12, 1, 2.2, 4, 1, 2.2, 4, 4, 1, 2.2, 0}, 0.5);
-    EXPECT_DOUBLE_EQ(KurvenOffset(1), (4 + 1 + 2.2) / 3);
-    EXPECT_EQ(RangeFrom, 1);  // the start of the range moved on by one
-    EXPECT_EQ(RangeTo, 10);
-    EXPECT_EQ(Store().CrossSize(), 5);
-    ASSERT_EQ(Store().Crosses().size(), 2u);
-    EXPECT_EQ(Store().Crosses()[0].x, 1.5);  // first rising crossing at index 3
-    EXPECT_EQ(Store().Crosses()[1].x, 3.0);  // last one at index 6
-    EXPECT_EQ(Store().Crosses()[1].y, 0.0);
-    KurvenMittelwert(1);
-    EXPECT_EQ(RangeFrom, 0);  // every function reloads the range
-}
-
-TEST_F(CurveFunctionsTest, RmsOverWholePeriodsNarrowsTheRangeToFallingCrossings)
-{
-    SetCurve(1, {3, -1, 3, -1, 3, -1, 3, -1, 3});
-    EXPECT_DOUBLE_EQ(KurvenEffektivwert(1, 0, 1), 7.0 / 3);
-    EXPECT_EQ(RangeFrom, 0);
-    // Offset 1; falling crossings at 2.5 (tie: the later sample 3) and 6.5 (searched backward,
-    // tie: the earlier sample 6). The RMS is about the caller's offset 0, not the curve's.
-    EXPECT_DOUBLE_EQ(KurvenEffektivwert(1, 0, 2), std::sqrt(5.0));
-    EXPECT_EQ(RangeFrom, 3);
-    EXPECT_EQ(RangeTo, 6);
-    ASSERT_EQ(Store().Crosses().size(), 2u);
-    EXPECT_EQ(Store().Crosses()[0].x, 2.5);
-    EXPECT_EQ(Store().Crosses()[1].x, 6.5);
-    EXPECT_EQ(Store().Crosses()[1].y, 1.0);
-}
-
-TEST_F(CurveFunctionsTest, StartEdgeBeforeTheFirstMayBeTheCurveStart)
-{
-    SetCurve(1, {5, 5, 0, 0, 5, 5, 0});
-    // Without a needed edge the first sample at or above the level starts (at its own time).
-    EXPECT_DOUBLE_EQ(Zeitdifferenz(1, 2.5, 2.5, true, false, false, 1, imTime), 0.5);
-    // With one the start is the rise at 3.5; no fall follows inside the range, so the stop time
-    // keeps its initial value, the time of the range's first sample.
-    EXPECT_DOUBLE_EQ(Zeitdifferenz(1, 2.5, 2.5, true, false, true, 1, imTime), -3.5);
-    Store().ClearCrosses();
-    Store().SetCross(7, 7);
-    Zeitdifferenz(1, 2.5, 2.5, true, false, true, 1, imPhase);
-    EXPECT_EQ(Store().Crosses().size(), 2u) << "phase mode keeps earlier crosses";
-}
-
-TEST_F(CurveFunctionsTest, QueryInterpolatesWithinTheInnerSamples)
-{
-    SetCurve(1, {0, 10, 20, 10});
-    struct Row {
-        bool yGiven;
-        double value;
-        double expected;  // NaN: nothing found
-    };
-    const Row rows[] = {
-        {true, 15, 1.5},    {true, 0, 0.0},       {false, 1.25, 12.5}, {false, 0.5, 5.0},
-        {false, -3, -30},   // before the first sample: the first segment extrapolates
-        {false, 2.5, NAN},  // the last segment is never examined
-    };
-    for (const Row& r : rows) {
-        const double got = Query_XY(1, r.yGiven, r.value);
-        if (std::isnan(r.expected)) {
-            EXPECT_TRUE(std::isnan(got)) << r.value;
-        } else {
-            EXPECT_DOUBLE_EQ(got, r.expected) << r.value;
-        }
-    }
-    Store().ClearCrosses();
-    Query_XY(1, true, 15);
-    ASSERT_EQ(Store().Crosses().size(), 1u);
-    EXPECT_EQ(Store().Crosses()[0].y, 15);
-    EXPECT_EQ(Store().Crosses()[0].x, 1.5);
-    SetCurve(1, {3, 3, 3, 0});
-    EXPECT_EQ(Query_XY(1, true, 3), 1.0);  // a flat pair answers with its later time
-}
-
-TEST_F(CurveFunctionsTest, PeakSkipsZerosAndTheLastSampleAndKeepsEarlierTies)
-{
-    SetCurve(1, {7, 0, -2, 9, 9, -2, 4, 100});
-    struct Row {
-        TPeakMode mode;
-        double expected;
-        std::size_t crosses;
-    };
-    for (const Row& r : {Row{PeakMin, -2, 1}, Row{PeakMax, 9, 1}, Row{PeakDiff, 11, 2}}) {
-        EXPECT_EQ(Peak(1, r.mode, false, 0, 0), r.expected) << r.mode;
-        EXPECT_EQ(Store().Crosses().size(), r.crosses) << r.mode;
-    }
-    Peak(1, PeakDiff, false, 0, 0);
-    EXPECT_EQ(Store().Crosses()[0].x, 2.0);  // min first, at the earlier of the equal samples
-    EXPECT_EQ(Store().Crosses()[1].x, 3.0);
-}
-
-TEST_F(CurveFunctionsTest, LocalPeakSkipsAnExtremumOnTheRangeStart)
-{
-    SetCurve(1, {5, 1, 3, 1, 4, 0.5});
-    EXPECT_EQ(Peak(1, PeakMax, true, 1, 1e-5), 2.0);  // maxima at 0, 2, 4: the first is the edge
-    EXPECT_EQ(Store().Crosses().back().y, 3.0);
-    EXPECT_EQ(Peak(1, PeakMin, true, 1, 1e-5), 1.0);
-    EXPECT_EQ(Peak(1, PeakDiff, true, 1, 1e-5), 1.0);  // the difference mode looks for minima
-    // A window wider than the curve leaves the global maximum alone, and it is kept.
-    EXPECT_EQ(Peak(1, PeakMax, true, kBig, 1e-5), 0.0);
-}
-
-TEST_F(CurveFunctionsTest, DifferenceCurveQuantisesWithHalfToEven)
-{
-    // In steps of 1/10000: 0, 0.5 -> 0, 2.5 -> 2, 3.5 -> 4, 4.
-    SetCurve(1, {0, 0.00005, 0.00025, 0.00035, 0.00035});
-    for (double factor : {0.0, 1.0}) {
-        const TMemArray d = Differenzkurve(1, factor);
-        const std::vector<double> expected = {0, 0.0002, 0.0002, 0, 0, 0, 0};
-        ASSERT_EQ(d.a.size(), expected.size()) << factor;
-        for (std::size_t i = 0; i < expected.size(); ++i) {
-            EXPECT_DOUBLE_EQ(d.a[i], expected[i]) << factor << " at " << i;
-        }
-    }
-    EXPECT_DOUBLE_EQ(Differenzkurve(1, -3).a[1], -0.0006);
-    SetCurve(1, {1.00001, 1.00003, 1.00004});  // steps below 0.00005 vanish
-    EXPECT_EQ(Differenzkurve(1, 1).a[0], 0.0);
-}
-
-TEST_F(CurveFunctionsTest, DifferenceCurveReachesTheLastIndexOfAClippedRange)
-{
-    std::vector<double> y(10);
-    for (std::size_t i = 0; i < y.size(); ++i) y[i] = 0.001 * static_cast<double>(i * i);
-    SetCurve(1, y);
-    Store().SetClip("5", "8");
-    const TMemArray d = Differenzkurve(1, 1);
-    ASSERT_EQ(d.a.size(), 8u);
-    EXPECT_EQ(d.a[4], 0.0);
-    EXPECT_DOUBLE_EQ(d.a[5], 0.011);
-    EXPECT_DOUBLE_EQ(d.a[7], 0.015);
-}
-
-TEST_F(CurveFunctionsTest, CorrectionTableUsesItsOwnScaledFormula)
-{
-    QTemporaryDir dir;
-    const QString table = dir.filePath("korrektur.txt");
-    QFile f(table);
-    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-    f.write("0;0\r\nno numbers here\r\n10;5\r\nabc;1\r\n20;5\r\n30,5;2\r\n7\r\n");
-    f.close();
-    SetCurve(1, {5, 15, 25, -1, 40});
-    Store().SetCross(1, 1);
-    EXPECT_TRUE(KurvenKorrektur(1, table));
-    const auto y = Store().Y(1);
-    EXPECT_DOUBLE_EQ(y[0], 5 - (5.0 * 10 / 100 * 5 / 100));
-    EXPECT_DOUBLE_EQ(y[1], 15 - 5.0);
-    EXPECT_DOUBLE_EQ(y[2], 25 - (5.0 * 10.5 / 100 * -3 / 100 + 5));
-    EXPECT_EQ(y[3], -1);  // outside every row
-    EXPECT_EQ(y[4], 40);
-    EXPECT_TRUE(Store().Crosses().empty());
-
-    EXPECT_TRUE(KurvenKorrektur(1, dir.filePath("missing.txt")));
-    EXPECT_EQ(Store().Y(1)[4], 40);
-}
-
-class PhaseShiftTest : public ScopeTest {
-protected:
-    // 1000 samples of a sine with 100 samples per period, delayed by `lagSamples`; with the
-    // phase of 0.3 curve 1 first rises through its offset at sample 95.2, with -0.3 at 4.8.
-    static void SetSine(int c, double lagSamples, double phase = 0.3)
-    {
-        std::vector<double> y(1000);
-        for (std::size_t i = 0; i < y.size(); ++i) {
-            y[i] = 1 + std::sin(2 * std::numbers::pi * (static_cast<double>(i) - lagSamples) / 100 + phase);
-        }
-        SetCurve(c, y, 1e-3);
-    }
-};
-
-TEST_F(PhaseShiftTest, LaggingCurveGivesPositiveDegrees)
-{
-    SetSine(1, 0, -0.3);
-    SetSine(2, 25, -0.3);
-    EXPECT_NEAR(Phasenverschiebung(1, 2, 3), 90.0, 0.01);
-    // The same lag, but curve 2 now rises first in the range: the shift reads as -270.
-    SetSine(1, 0);
-    SetSine(2, 25);
-    EXPECT_NEAR(Phasenverschiebung(1, 2, 3), -270.0, 0.01);
-}
-
-TEST_F(PhaseShiftTest, LeadingCurveStaysNegativeBecauseEveryPassFindsTheFirstEdge)
-{
-    SetSine(1, 0);
-    SetSine(2, -25);  // rises at 70.2, before curve 1; measuring "the next" edge changes nothing
-    EXPECT_NEAR(Phasenverschiebung(1, 2, 4), -90.0, 0.01);
-}
-
-TEST_F(PhaseShiftTest, CurveWithoutPeriodGivesZeroAndNoCrosses)
-{
-    SetCurve(1, std::vector<double>(100, 2.0));
-    SetSine(2, 0);
-    EXPECT_EQ(Phasenverschiebung(1, 2, 2), 0.0);
-    EXPECT_TRUE(Store().Crosses().empty());
+    EXPECT_THROW(store.Assign(1, {1, 2}, {1}), TDravikException);
+    store.RemoveAt(1, 7);
+    store.SetValue(1, -1, {8, 9});
+    EXPECT_EQ(std::pair(store.CurveValuesCount(1), store.GetValue(1, 0).y), std::pair(1, 2.0));
 }
 
 }  // namespace

@@ -10,17 +10,13 @@ inline int LiteralEnvelopeWalk(std::span<const double> x, std::span<const double
                                int to, std::span<const double> ex, std::span<const double> ey,
                                bool upper)
 {
-    const int count = static_cast<int>(ex.size());
     for (int i = from; i <= to; ++i) {
-        const double xs = x[static_cast<std::size_t>(i)], ys = y[static_cast<std::size_t>(i)];
-        for (int j = 1; j <= count - 2; ++j) {
-            const auto k = static_cast<std::size_t>(j);
-            const double x0 = ex[k - 1], y0 = ey[k - 1], x1 = ex[k], y1 = ey[k], x2 = ex[k + 1];
-            if (x0 < xs && xs <= x1 && xs < x2) {
-                double d = x1 - x0;
-                if (x1 == x0) d = 1.0;
-                const double e = (y1 - y0) * ((xs - x0) * 100 / d / 100) + y0;
-                if (upper ? ys > e : ys < e) return i;
+        for (int j = 1; j <= static_cast<int>(ex.size()) - 2; ++j) {
+            const double x0 = ex[j - 1], y0 = ey[j - 1], x1 = ex[j], y1 = ey[j], x2 = ex[j + 1];
+            if (x0 < x[i] && x[i] <= x1 && x[i] < x2) {
+                const double d = x1 == x0 ? 1.0 : x1 - x0;
+                const double e = (y1 - y0) * ((x[i] - x0) * 100 / d / 100) + y0;
+                if (upper ? y[i] > e : y[i] < e) return i;
             }
         }
     }

@@ -1,0 +1,149 @@
+// The fast kernels (block-skipping edge search, branch-free peak scan, linear-time extrema,
+// envelope walk) swept over every small size and random data against their literal versions.
+#include "analysis/extrema.h"
+#include "analysis/kernels.h"
+#include "tests/analysis/envelope_oracle.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <random>
+
+namespace dv::analysis::test {
+namespace {
+
+using kernels::CrossingTime;
+using kernels::Marks;
+using Curve = std::vector<double>;
+
+// The edge search of the time-difference measurements, stepped sample by sample.
+double LiteralTimeDifference(const Curve& x, const Curve& y, int from, int to,
+                             const kernels::TEdgeQuery& q, Marks& marks)
+{
+    double tStart = from < int(x.size()) ? x[from] : 0.0, tStop = tStart, tFirst = tStart, high = 0;
+    int periods = 0;
+    bool started = false;
+    for (int i = std::max(from, 1); i <= to - 1; ++i) {  // each step reads the sample before it
+        const double x1 = x[i - 1], y1 = y[i - 1], x2 = x[i], y2 = y[i];
+        const double stop = q.stopLevel, start = q.startLevel;
+        if (started && (q.stopRising ? y1 <= stop && stop <= y2 : y1 >= stop && stop >= y2)) {
+            tStop = CrossingTime(x1, y1, x2, y2, stop, marks);
+            if (q.mode == imTime && q.count <= periods) break;
+        }
+        // Before the first start edge a curve that already starts beyond the level may count.
+        const bool edge = started || q.startNeedsEdge;
+        if (q.startRising ? (!edge || y1 <= start) && start <= y2
+                          : (!edge || y1 >= start) && start >= y2) {
+            if (!started || tStart < tStop) ++periods, high += tStop - tStart;
+            tStart = CrossingTime(x1, y1, x2, y2, start, marks);
+            if (!started) tFirst = tStart, started = true;
+            if (q.mode == imPhase) return tStart;
+        }
+    }
+    if (q.mode == imTime) return tStop - tStart;
+    if (q.mode == imCount) return periods;
+    if (periods < 2) return 0;
+    if (q.mode == imDutyCycle) return high * 100 / (tStart - tFirst);
+    return q.mode == imFreq ? (periods - 1) / (tStart - tFirst) : 0;
+}
+
+// Point i is a local maximum when no point within the window is above it (beyond epsilon) and
+// every earlier one there is below it: a plateau counts at its start.
+std::vector<int> LiteralExtrema(const Curve& x, const Curve& y, TExtremumKind kind, double window,
+                                double epsilon)
+{
+    const double sign = kind == TExtremumKind::Maximum ? 1 : -1;
+    std::vector<int> found;
+    for (std::size_t i = 0; i < x.size(); ++i) {
+        bool extremum = true;
+        for (std::size_t j = 0; j < x.size() && extremum; ++j) {
+            if (j == i || std::abs(x[j] - x[i]) > window) continue;
+            const double a = sign * y[j], b = sign * y[i];
+            extremum = j < i ? a < b - epsilon : a <= b + epsilon;
+        }
+        if (extremum) found.push_back(int(i));
+    }
+    return found;
+}
+
+bool Same(double a, double b) { return a == b || (std::isnan(a) && std::isnan(b)); }
+
+// Level curves with long flat stretches, so that whole blocks are skipped between edges, and
+// repeated times; zeros, ties and plateaus are common.
+TEST(KernelOracleTest, EdgeSearchPeakScanAndExtremaEqualTheLiteralVersions)
+{
+    constexpr double big = std::numeric_limits<double>::max();
+    std::mt19937 rng(99);
+    std::uniform_int_distribution<int> level(-2, 2);
+    std::bernoulli_distribution coin;
+    int withEdges = 0;
+    for (int trial = 0; trial < 41 * 60; ++trial) {  // every n of 0 .. 40, 60 times
+        const int n = trial / 60;
+        Curve x(n), y(n);
+        for (int i = 1; i < n; ++i) {
+            x[i] = x[i - 1] + (coin(rng) || coin(rng)) * 0.5;
+            y[i] = coin(rng) && coin(rng) ? level(rng) : y[i - 1];
+        }
+        kernels::TEdgeQuery q{double(level(rng)), 0, coin(rng), coin(rng), coin(rng)};
+        q.stopLevel = coin(rng) ? q.startLevel : level(rng) + 0.5;
+        q.count = int(rng() % 4);
+        const int from = n ? int(rng() % unsigned(n)) : 0, to = n - 1 - int(n > 1 ? rng() % 3 : 0);
+        for (TImpulsMode mode : {imTime, imFreq, imPhase, imCount, imDutyCycle}) {
+            q.mode = mode;
+            Marks fast, literal;
+            const double a = kernels::TimeDifference(x, y, from, to, q, fast);
+            const double b = LiteralTimeDifference(x, y, from, to, q, literal);
+            auto sameTime = [](TPoint f, TPoint l) { return Same(f.x, l.x); };
+            ASSERT_TRUE(Same(a, b) && std::ranges::equal(fast, literal, sameTime))
+                << "n=" << n << " trial=" << trial << " mode=" << mode << ": " << a << " vs " << b;
+            withEdges += !literal.empty();
+        }
+        kernels::TPeakScan want{big, 0, -big, 0};
+        for (int i = from; i <= to; ++i) {
+            if (y[i] != 0.0 && y[i] > want.max) want.max = y[i], want.maxX = x[i];
+            if (y[i] != 0.0 && y[i] < want.min) want.min = y[i], want.minX = x[i];
+        }
+        const kernels::TPeakScan got = kernels::ScanPeaks(x, y, from, to);
+        ASSERT_EQ(Curve({got.min, got.minX, got.max, got.maxX}),
+                  Curve({want.min, want.minX, want.max, want.maxX})) << n;
+        for (double window : {0.0, 0.5, 1.0, 2.5, 1e300}) {
+            for (auto kind : {TExtremumKind::Maximum, TExtremumKind::Minimum}) {
+                const double epsilon = trial % 2 ? 1.5 : 0.0;
+                ASSERT_EQ(FindAllExtrema(x, y, kind, window, epsilon),
+                          LiteralExtrema(x, y, kind, window, epsilon))
+                    << "trial=" << trial << " window=" << window;
+            }
+        }
+    }
+    EXPECT_GT(withEdges, 1000);  // the sweep really exercises edges
+}
+
+// Sorted and unordered sample and envelope times; values on a coarse grid, so that samples fall
+// on envelope points and touch envelope values.
+TEST(KernelOracleTest, EnvelopeComparisonEqualsTheLiteralWalk)
+{
+    std::mt19937 rng(12345);
+    auto grid = [&rng](int n, double step, int range, bool sorted) {
+        std::uniform_int_distribution<int> pick(-range, range);
+        Curve v(n);
+        for (double& e : v) e = pick(rng) * step;
+        if (sorted) std::sort(v.begin(), v.end());
+        return v;
+    };
+    for (int trial = 0; trial < 12000; ++trial) {  // every n and m of 0 .. 9, 120 times
+        const int n = trial % 10, m = trial / 10 % 10;
+        const Curve x = grid(n, 0.25, 14, trial % 3 != 0), y = grid(n, 1.0, 3, false);
+        const Curve ex = grid(m, 0.5, 6, trial % 3 != 1), ey = grid(m, 1.0, 3, false);
+        const int from = n ? int(rng() % unsigned(n)) : 0, to = n - 1 - (n ? int(rng() % 2) : 0);
+        for (bool upper : {true, false}) {
+            ASSERT_EQ(kernels::FirstEnvelopeViolation(x, y, from, to, ex, ey, upper),
+                      LiteralEnvelopeWalk(x, y, from, to, ex, ey, upper))
+                << "upper=" << upper << " n=" << n << " m=" << m << " trial=" << trial;
+        }
+    }
+}
+
+}  // namespace
+}  // namespace dv::analysis::test
