@@ -3,6 +3,7 @@
 #include "host/commandpool.h"
 
 #include <QRegularExpression>
+#include <QSet>
 
 namespace dv::host {
 
@@ -50,6 +51,34 @@ TDVThreadRunEdit* CommandForLine(const QString& word, TCommandPool& commands)
         }
     }
     return nullptr;
+}
+
+// Names declared by the script's "var" lines, in lower case.
+QSet<QString> DeclaredNames(const QStringList& lines)
+{
+    static const QRegularExpression decl(QStringLiteral("^\\s*(?:\\d+:)?\\s*var\\s+([\\w\\s,]+):"),
+                                         QRegularExpression::CaseInsensitiveOption);
+    QSet<QString> names{QStringLiteral("projektpfad"), QStringLiteral("true"), QStringLiteral("false")};
+    for (const QString& line : lines) {
+        const QRegularExpressionMatch m = decl.match(line);
+        if (!m.hasMatch()) continue;
+        for (const QString& n : m.captured(1).split(',')) names << n.trimmed().toLower();
+    }
+    return names;
+}
+
+// Older lines wrote plain words for texts ("IN:FF", "ccHexToInt", "[OUT:Hallo Welt]"); in the
+// current form words that name no variable of the script become a string literal, so the line runs
+// as it was meant.
+void QuotePlainWords(const TDVSignature& sig, const QSet<QString>& declared, TParamList& params)
+{
+    static const QRegularExpression word(QStringLiteral("^[A-Za-z_][\\w ]*$"));
+    for (const QString& name : params.Names()) {
+        const TDVParamDecl* p = sig.Find(name);
+        const QString text = params.GetString(name).trimmed();
+        if (!p || p->isVar || !word.match(text).hasMatch() || declared.contains(text.toLower())) continue;
+        params.AddString(name, '"' + text + '"');
+    }
 }
 
 }  // namespace
@@ -121,6 +150,7 @@ QString ConvertScript(const QString& text, TCommandPool& commands)
     static const QRegularExpression word(QStringLiteral("^\\w+"));
     static const QRegularExpression namedArgument(QStringLiteral("[(,]\\s*\\w+\\s*:="));
     QStringList lines = text.split('\n');
+    const QSet<QString> declared = DeclaredNames(lines);
     for (QString& line : lines) {
         const bool cr = line.endsWith('\r');
         const QString body = cr ? line.chopped(1) : line;
@@ -132,6 +162,7 @@ QString ConvertScript(const QString& text, TCommandPool& commands)
         if (!command) continue;
         TParamList params;
         if (!command->DecodeScript(call, params, nullptr)) continue;
+        QuotePlainWords(command->Signature(), declared, params);
         line = body.left(prefix) + WriteCommandLine(command->Signature(), params) + (cr ? QStringLiteral("\r") : QString());
     }
     return lines.join('\n');
