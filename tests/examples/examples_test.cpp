@@ -58,7 +58,7 @@ TEST_F(Examples, EveryScriptRunsToItsEndWithoutFailedChecks)
         QStringList expectedLines;
     };
     const Row rows[] = {
-        {"main.dvs", {"Mittelwert: 5", "Mittelwert im Sollbereich"}},
+        {"main.dvs", {"Mittelwert: 5", "Mittelwert im Sollbereich", "PRÜFLING OK: Mittelwert 5"}},
         {"text.dvs", {"HALLO WELT", "00FF", "255", "HALLO", "10 €", "Alle Umwandlungen fertig"}},
         {"system.dvs", {"system.dvs fertig"}},
     };
