@@ -6,10 +6,8 @@
 
 #include <QFileInfo>
 
+#include <charconv>
 #include <cmath>
-#include <cstdio>
-#include <cstdlib>
-#include <clocale>
 
 namespace dv {
 
@@ -81,25 +79,26 @@ QString DVFloatToStr(long double x)
 {
     if (std::isnan(x)) return QStringLiteral("NAN");
     if (std::isinf(x)) return x > 0 ? QStringLiteral("INF") : QStringLiteral("-INF");
+    // to_chars never looks at the locale, unlike printf.
     char buf[64];
-    std::snprintf(buf, sizeof buf, "%.15Lg", x);  // the C locale is never switched in this program
-    QString s = QString::fromLatin1(buf);
+    const auto end = std::to_chars(buf, buf + sizeof buf, x, std::chars_format::general, 15).ptr;
+    QString s = QString::fromLatin1(buf, end - buf);
     const qsizetype e = s.indexOf('e');
     if (e < 0) return s;
     // Exponent written as the runtime does: "1E20", "1.5E-5".
-    QString mantissa = s.left(e);
-    int exponent = s.mid(e + 1).toInt();
-    return mantissa + 'E' + QString::number(exponent);
+    return s.left(e) + 'E' + QString::number(s.mid(e + 1).toInt());
 }
 
 long double DVStrToFloat(const QString& text)
 {
     const QByteArray bytes = text.trimmed().toLatin1();
-    if (!bytes.isEmpty() && !text.contains(',')) {
-        char* end = nullptr;
-        const long double value = std::strtold(bytes.constData(), &end);
-        const bool hexFloat = bytes.contains('x') || bytes.contains('X');
-        if (end == bytes.constData() + bytes.size() && !hexFloat) return value;
+    const char* first = bytes.constData();
+    const char* last = first + bytes.size();
+    if (first != last && *first == '+') ++first;  // from_chars takes no plus sign
+    long double value = 0;
+    if (first != last && !text.contains(',')) {
+        const auto [ptr, ec] = std::from_chars(first, last, value);
+        if (ec == std::errc() && ptr == last) return value;
     }
     throw TDVRuntimeException(Format(_("\"%s\" ist kein gültiger Gleitkommawert"), {text}));
 }
