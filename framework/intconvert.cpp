@@ -9,16 +9,14 @@
 
 namespace dv {
 
-namespace {
-
-std::optional<std::int32_t> ParseInt32(const QString& text)
+std::optional<std::int32_t> TryStrToInt(const QString& text)
 {
     qsizetype i = 0;
     while (i < text.size() && text[i] <= QChar(' ')) ++i;
     bool negative = false;
     if (i < text.size() && (text[i] == '+' || text[i] == '-')) negative = text[i++] == '-';
     int base = 10;
-    if (i < text.size() && text[i] == '$') {
+    if (i < text.size() && (text[i] == '$' || text[i] == 'x' || text[i] == 'X')) {
         base = 16;
         ++i;
     } else if (i + 1 < text.size() && text[i] == '0' && (text[i + 1] == 'x' || text[i + 1] == 'X')) {
@@ -45,15 +43,21 @@ std::optional<std::int32_t> ParseInt32(const QString& text)
     return static_cast<std::int32_t>(negative ? -signedValue : signedValue);
 }
 
-}  // namespace
-
 std::int32_t StrToInt(const QString& text)
 {
-    if (const auto value = ParseInt32(text)) return *value;
+    if (const auto value = TryStrToInt(text)) return *value;
     throw TDVRuntimeException(Format(_("\"%s\" ist kein gültiger Integerwert"), {text}));
 }
 
-std::int32_t StrToIntDef(const QString& text, std::int32_t def) { return ParseInt32(text).value_or(def); }
+std::int32_t StrToIntDef(const QString& text, std::int32_t def) { return TryStrToInt(text).value_or(def); }
+
+bool StrToBoolStrict(const QString& text)
+{
+    if (text.compare(QStringLiteral("True"), Qt::CaseInsensitive) == 0) return true;
+    if (text.compare(QStringLiteral("False"), Qt::CaseInsensitive) == 0) return false;
+    if (const auto value = TryStrToInt(text)) return *value != 0;
+    throw TDVRuntimeException(Format(_("\"%s\" ist kein gültiger Boolean-Wert"), {text}));
+}
 
 std::int64_t RoundHalfEven(long double x)
 {

@@ -1,7 +1,7 @@
 #include "commands/system/gui_exec.h"
 
 #include "commands/system/platform_process.h"
-#include "commands/system/strictconvert.h"
+#include "framework/intconvert.h"
 #include "framework/dvtools.h"
 #include "framework/exceptions.h"
 #include "framework/services.h"

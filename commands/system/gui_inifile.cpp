@@ -2,7 +2,7 @@
 
 #include "commands/system/initext.h"
 #include "commands/system/platform_files.h"
-#include "commands/system/strictconvert.h"
+#include "framework/intconvert.h"
 #include "framework/dvtools.h"
 #include "framework/exceptions.h"
 #include "framework/parser.h"
@@ -44,7 +44,7 @@ void RefuseLineBreaks(const TDVCmdIniFiles::TFields& f)
 QString WriteText(TIniMode mode, const QString& value)
 {
     switch (mode) {
-    case TIniMode::WriteInteger: return QString::number(StrToIntStrict(value));
+    case TIniMode::WriteInteger: return QString::number(StrToInt(value));
     case TIniMode::WriteFloat: return DVFloatToStr(DVStrToFloat(value));
     case TIniMode::WriteBoolean: return StrToBoolStrict(value) ? QStringLiteral("1") : QStringLiteral("0");
     default: return value;

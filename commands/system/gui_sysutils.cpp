@@ -2,7 +2,7 @@
 
 #include "commands/system/platform_files.h"
 #include "commands/system/platform_windows.h"
-#include "commands/system/strictconvert.h"
+#include "framework/intconvert.h"
 #include "framework/dvtools.h"
 #include "framework/parser.h"
 #include "framework/services.h"
@@ -140,7 +140,7 @@ void TDVCmdSystemUtilities::Start()
         break;
     case TSysUtilSubcommand::DestroyWindow: {
         // The handle is converted strictly; a text that is no integer fails here.
-        const auto handle = static_cast<std::uint32_t>(StrToIntStrict(fields_.fileName));
+        const auto handle = static_cast<std::uint32_t>(StrToInt(fields_.fileName));
         result = std::make_unique<TBooleanValue>(IconifyTopLevelWindow(handle));
         break;
     }

@@ -12,7 +12,7 @@ TEST(IntConvertTest, StrToIntReadsDecimalAndHexadecimal)
 {
     const std::pair<const char*, std::int32_t> rows[] = {
         {"42", 42},          {"  -7", -7},        {"+3", 3},           {"$FF", 255},
-        {"0x1f", 31},        {"$FFFFFFFF", -1},   {"-$10", -16},       {"2147483647", 2147483647},
+        {"0x1f", 31},        {"x1F", 31},         {"$FFFFFFFF", -1},   {"-$10", -16},       {"2147483647", 2147483647},
         {"-2147483648", -2147483647 - 1},
     };
     for (const auto& [text, value] : rows) EXPECT_EQ(StrToInt(text), value) << text;
@@ -24,6 +24,15 @@ TEST(IntConvertTest, StrToIntRejectsEverythingElse)
         EXPECT_THROW(StrToInt(text), TDVRuntimeException) << text;
         EXPECT_EQ(StrToIntDef(text, -99), -99) << text;
     }
+}
+
+TEST(IntConvertTest, StrictBooleansAreWordsOrIntegers)
+{
+    EXPECT_TRUE(StrToBoolStrict("TRUE"));
+    EXPECT_FALSE(StrToBoolStrict("false"));
+    EXPECT_TRUE(StrToBoolStrict("-1"));
+    EXPECT_FALSE(StrToBoolStrict("0"));
+    for (const char* text : {"", "ja", "1.0"}) EXPECT_THROW(StrToBoolStrict(text), TDVRuntimeException) << text;
 }
 
 TEST(IntConvertTest, RoundHalfEvenAndItsLimits)
