@@ -51,4 +51,8 @@ public:
     virtual TDVEnvironment& GetEnvironment() = 0;
 };
 
+// A file-name parameter as the commands use it: the project placeholder replaced by the project's
+// folder when a parser is installed, the name unchanged otherwise.
+QString ResolveProjectPath(const QString& fileName);
+
 }  // namespace dv

@@ -23,12 +23,6 @@ const QString kValue = QStringLiteral("Value");
 const QString kResult = QStringLiteral("Result");
 const QString kMode = QStringLiteral("Mode");
 
-QString ResolvePath(const QString& fileName)
-{
-    TDVParser* parser = CurrentParser();
-    return parser ? parser->GetEnvironment().ReplaceProjectPath(fileName) : fileName;
-}
-
 // A line break in a name or value would become a line of its own in the file (a new section, a
 // foreign key), so it is refused before anything is written.
 void RefuseLineBreaks(const TDVCmdIniFiles::TFields& f)
@@ -142,7 +136,7 @@ void TDVCmdIniFiles::Run(TParamList& params)
 
 void TDVCmdIniFiles::Start()
 {
-    const QString path = ResolvePath(fields_.fileName);
+    const QString path = ResolveProjectPath(fields_.fileName);
     if (!QFileInfo(path).isFile()) {
         throw TDVRuntimeException(Format(_("Die angegebene INI-Datei %s existiert nicht!"), {fields_.fileName}));
     }

@@ -21,12 +21,6 @@ const QString kFileName = QStringLiteral("FileName");
 const QString kResult = QStringLiteral("Result");
 const QString kTarget = QStringLiteral("Target");
 
-QString ResolvePath(const QString& fileName)
-{
-    TDVParser* parser = CurrentParser();
-    return parser ? parser->GetEnvironment().ReplaceProjectPath(fileName) : fileName;
-}
-
 bool IsRegularFile(const QString& path) { return QFileInfo(path).isFile(); }
 
 }  // namespace
@@ -111,7 +105,7 @@ void TDVCmdSystemUtilities::Run(TParamList& params)
 
 void TDVCmdSystemUtilities::Start()
 {
-    const QString path = ResolvePath(fields_.fileName);
+    const QString path = ResolveProjectPath(fields_.fileName);
     const QByteArray native = path.toLocal8Bit();
     TValuePtr result;
     switch (fields_.command) {
@@ -120,7 +114,7 @@ void TDVCmdSystemUtilities::Start()
         result = std::make_unique<TBooleanValue>(IsRegularFile(path) && ::unlink(native.constData()) == 0);
         break;
     case TSysUtilSubcommand::FileCopy:
-        CopyFileAtomically(path, ResolvePath(fields_.second));  // a failed copy is silent
+        CopyFileAtomically(path, ResolveProjectPath(fields_.second));  // a failed copy is silent
         return;
     case TSysUtilSubcommand::FileSize:
         result = std::make_unique<TNumberValue>(static_cast<std::int32_t>(FileGetSize(path)));
