@@ -1,8 +1,10 @@
 #pragma once
-// Builds a parameter list from name/text pairs for command tests.
+// Parameter lists from name/text pairs, and the message of a raised runtime error, for command tests.
+#include "framework/exceptions.h"
 #include "framework/paramlist.h"
 
 #include <initializer_list>
+#include <optional>
 #include <ostream>
 #include <utility>
 
@@ -25,6 +27,18 @@ inline TParamList MakeParams(TParamRows rows)
     TParamList params;
     for (const auto& [name, text] : rows) params.AddString(QString::fromUtf8(name), QString::fromUtf8(text));
     return params;
+}
+
+// Runs body: the message of the runtime error it raised, nullopt when it ran through.
+template <class Body>
+std::optional<QString> RaisedMessage(Body&& body)
+{
+    try {
+        body();
+    } catch (const TDVRuntimeException& e) {
+        return e.Message();
+    }
+    return std::nullopt;
 }
 
 }  // namespace dv::test

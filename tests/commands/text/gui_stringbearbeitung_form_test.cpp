@@ -4,7 +4,6 @@
 #include "tests/support/testhost.h"
 
 #include <QLabel>
-#include <QRadioButton>
 
 #include <gtest/gtest.h>
 
@@ -15,69 +14,60 @@ using namespace test;
 
 class StringBearbeitungFormTest : public ::testing::Test {
 protected:
-    StringBearbeitungFormTest() { command.SetDefaults(); }
+    StringBearbeitungFormTest() { command.ReadParams(defaults); }
 
     TTestHost host;
     TDVCmdStringConversion command{&host};
+    TParamList defaults;
 };
 
 TEST_F(StringBearbeitungFormTest, CheckBoxesEnableTheirOwnControls)
 {
-    struct Rule {
-        const char* box;
-        std::vector<const char*> controls;
-    };
-    const std::vector<Rule> rules = {
+    const std::pair<const char*, std::vector<const char*>> rules[] = {
         {"CB_Pos", {"Edit_PosSuchstring"}},
         {"CB_Fragment", {"Panel_Fragment", "RB_CUT", "RB_Mid", "Edit_Laenge"}},
         {"CB_Seg", {"Edit_Separator", "Edit_Spin_Teil"}},
         {"CB_Trim", {"Panel_Trim", "RB_TrimLeft"}},
         {"CB_Ersetzen", {"Edit_Ersetze_Pos", "Edit_Ersetze_durch"}},
     };
-    TParamList params;
-    command.ReadParams(params);
-    std::vector<std::string> wrong;
+    QStringList wrong;
     OnModal("TStringBearbeitung", [&](QWidget& d) {
-        for (const Rule& rule : rules) {
-            for (int clicks = 0; clicks < 3; ++clicks) {
-                const bool on = clicks % 2 == 1;
-                for (const char* control : rule.controls) {
-                    if (Find<QWidget>(d, control).isEnabled() != on) wrong.push_back(std::string(rule.box) + " " + control);
+        for (const auto& [box, controls] : rules) {
+            for (int clicks = 0; clicks < 3; ++clicks) {  // off, on, off again
+                for (const char* control : controls) {
+                    if (Find<QWidget>(d, control).isEnabled() != (clicks == 1)) wrong << QString("%1 %2").arg(box, control);
                 }
-                Click(d, rule.box);
+                Click(d, box);
             }
         }
         Click(d, "BT_Cancel");
     });
-    EXPECT_FALSE(command.Edit(params));
-    EXPECT_TRUE(wrong.empty()) << wrong.front();
+    EXPECT_FALSE(command.Edit(defaults));
+    EXPECT_EQ(wrong, QStringList{});
 }
 
 TEST_F(StringBearbeitungFormTest, DefaultsAndOkWritesTheChosenSteps)
 {
-    TParamList params;
-    command.ReadParams(params);
-    std::vector<bool> defaults;
+    TParamList params = defaults;
+    params.AddString("Search", "Welt");
+    params.AddString("Count", "a");
+    std::vector<bool> shown;
     OnModal("TStringBearbeitung", [&](QWidget& d) {
-        defaults = {Find<QRadioButton>(d, "RB_CUT").isChecked(), Find<QRadioButton>(d, "RB_Left").isChecked(),
-                    Find<QLineEdit>(d, "Edit_Position").text() == "0", Find<QLineEdit>(d, "Edit_Laenge").text() == "0",
-                    Find<QLineEdit>(d, "Edit_Spin_Teil").text() == "0"};
+        for (const char* name : {"RB_CUT", "RB_Left", "CB_Pos", "cb_CountofChar"}) shown.push_back(Find<QAbstractButton>(d, name).isChecked());
+        for (const char* name : {"Edit_Position", "Edit_Laenge", "Edit_Spin_Teil"}) shown.push_back(Find<QLineEdit>(d, name).text() == "0");
         Type(d, "Edit_Eingang", "abcdef");
         Type(d, "Edit_Ausgang", "R");
-        Click(d, "CB_Fragment");
-        Click(d, "RB_Right");
-        Click(d, "RB_Del");
+        // Unchecking the search and count boxes drops their texts from the list.
+        for (const char* name : {"CB_Pos", "cb_CountofChar", "CB_Fragment", "RB_Right", "RB_Del", "CB_Trim", "RB_Trimright"}) Click(d, name);
         Type(d, "Edit_Laenge", "2");
-        Click(d, "CB_Trim");
-        Click(d, "RB_Trimright");
         Click(d, "BT_OK");
     });
     ASSERT_TRUE(command.Edit(params));
-    EXPECT_EQ(defaults, std::vector<bool>(5, true));
+    EXPECT_EQ(shown, std::vector<bool>(7, true));
     EXPECT_EQ(params.Names(), command.Signature().ParamNames());
     const std::pair<const char*, const char*> expected[] = {
-        {"Input", "abcdef"}, {"Output", "R"},      {"Fragment", "True"}, {"Cut", "0"},        {"FragPos", "\"Right\""},
-        {"Length", "2"},     {"Trim", "True"},     {"TrimMode", "3"},    {"UpperCase", "False"}, {"Search", ""},
+        {"Input", "abcdef"}, {"Output", "R"}, {"Search", ""}, {"Count", ""}, {"Fragment", "True"}, {"Cut", "0"},
+        {"FragPos", "\"Right\""}, {"Length", "2"}, {"Trim", "True"}, {"TrimMode", "3"}, {"UpperCase", "False"},
     };
     for (const auto& [name, text] : expected) EXPECT_EQ(params.GetString(name), text) << name;
 }
@@ -85,45 +75,24 @@ TEST_F(StringBearbeitungFormTest, DefaultsAndOkWritesTheChosenSteps)
 TEST_F(StringBearbeitungFormTest, TestButtonShowsTheResultAndChangesNothing)
 {
     TParamList params = MakeParams({{"Input", "alt"}, {"Output", "R"}});
-    const TParamList before = params;
     QStringList shown;
     OnModal("TStringBearbeitung", [&](QWidget& d) {
         Type(d, "Edit_Eingang", "Hallo Welt");
-        Click(d, "cb_Uppercase");
-        Click(d, "BT_Test");
-        shown << Find<QLabel>(d, "LB_Ergebnis").text();
-        Click(d, "CB_Pos");
-        Type(d, "Edit_PosSuchstring", "WELT");
-        Click(d, "BT_Test");
-        shown << Find<QLabel>(d, "LB_Ergebnis").text();
-        Click(d, "CB_Round");  // "7" rounds; now make it fail
-        Click(d, "CB_Pos");
-        Click(d, "BT_Test");
-        shown << Find<QLabel>(d, "LB_Ergebnis").text();
+        // Upper case alone, then rounding the text, which fails.
+        for (const char* box : {"cb_Uppercase", "CB_Round"}) {
+            Click(d, box);
+            Click(d, "BT_Test");
+            shown << Find<QLabel>(d, "LB_Ergebnis").text();
+        }
         Click(d, "BT_Cancel");
     });
     EXPECT_FALSE(command.Edit(params));
-    ASSERT_EQ(shown.size(), 3);
+    ASSERT_EQ(shown.size(), 2);
     EXPECT_EQ(shown[0], "Ergebnis = HALLO WELT");
-    EXPECT_EQ(shown[1], "Ergebnis = 7");
-    EXPECT_TRUE(shown[2].startsWith("Ergebnis = ") && shown[2].contains("HALLO WELT")) << shown[2].toStdString();
-    EXPECT_EQ(params, before);
+    EXPECT_TRUE(shown[1].startsWith("Ergebnis = ") && shown[1].contains("HALLO WELT")) << shown[1].toStdString();
+    EXPECT_EQ(params, MakeParams({{"Input", "alt"}, {"Output", "R"}}));
     EXPECT_EQ(command.Fields().input, "alt");
     EXPECT_TRUE(host.setVariableCalls.isEmpty());
-}
-
-TEST_F(StringBearbeitungFormTest, CountBoxDecidesWhetherTheCountTextIsWritten)
-{
-    TParamList params = MakeParams({{"Input", "banana"}, {"Output", "R"}, {"Count", "a"}});
-    bool checkedOnShow = false;
-    OnModal("TStringBearbeitung", [&](QWidget& d) {
-        checkedOnShow = Find<QAbstractButton>(d, "cb_CountofChar").isChecked();
-        Click(d, "cb_CountofChar");
-        Click(d, "BT_OK");
-    });
-    ASSERT_TRUE(command.Edit(params));
-    EXPECT_TRUE(checkedOnShow);
-    EXPECT_EQ(params.GetString("Count"), "");
 }
 
 }  // namespace
