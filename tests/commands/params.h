@@ -1,5 +1,6 @@
 #pragma once
-// Parameter lists from name/text pairs, and the message of a raised runtime error, for command tests.
+// Parameter lists from name/text pairs, their read-back through a command, and the message of a raised
+// runtime error, for command tests.
 #include "framework/exceptions.h"
 #include "framework/paramlist.h"
 
@@ -27,6 +28,17 @@ inline TParamList MakeParams(TParamRows rows)
     TParamList params;
     for (const auto& [name, text] : rows) params.AddString(QString::fromUtf8(name), QString::fromUtf8(text));
     return params;
+}
+
+// The list that the command's SetParams and then ReadParams make of params: params itself when the two agree.
+template <class Command>
+TParamList ReadBack(Command& command, const TParamList& params)
+{
+    TParamList out;
+    command.SetDefaults();
+    command.SetParams(params);
+    command.ReadParams(out);
+    return out;
 }
 
 // Runs body: the message of the runtime error it raised, nullopt when it ran through.

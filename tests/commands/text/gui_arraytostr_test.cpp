@@ -15,15 +15,18 @@ using test::MakeParams;
 
 class ArrayStringTest : public ::testing::Test {
 protected:
-    void ToStr(const char* arr)
+    // Each runs its command: the text of the variable it fills, or "!" and the message of the error raised.
+    QString ToStr(const char* arr)
     {
         TParamList params = MakeParams({{"Str", "S"}, {"Arr", arr}});
-        toStr.Run(params);
+        const auto error = test::RaisedMessage([&] { toStr.Run(params); });
+        return error ? "!" + *error : host.ValueText("S");
     }
-    void ToArray(const char* str, const char* arr = "A")
+    QString ToArray(const char* str, const char* arr = "A")
     {
         TParamList params = MakeParams({{"str", str}, {"arr", arr}});
-        toArray.Run(params);
+        const auto error = test::RaisedMessage([&] { toArray.Run(params); });
+        return error ? "!" + *error : host.ValueText(arr);
     }
 
     test::TTestHost host;
@@ -31,7 +34,7 @@ protected:
     TDVCmdStringToArray toArray{&host};
 };
 
-TEST_F(ArrayStringTest, ArrayToStrJoinsCharactersAndCodes)
+TEST_F(ArrayStringTest, ArrayToStrJoinsCharactersAndCodesOrRaisesAndWritesNothing)
 {
     host.Declare("S", g_StringType);
     const std::pair<const char*, const char*> rows[] = {
@@ -42,23 +45,13 @@ TEST_F(ArrayStringTest, ArrayToStrJoinsCharactersAndCodes)
         {"[True, 65]", "A"},     // values of other kinds add nothing
         {"{300}", "?"}, {"[]", ""}, {"[\"ab\", 67]", "abC"},
     };
-    for (const auto& [arr, expected] : rows) {
-        ToStr(arr);
-        EXPECT_EQ(host.ValueText("S"), QString::fromUtf8(expected)) << arr;
-    }
-}
-
-TEST_F(ArrayStringTest, ArrayToStrOfTextThatIsNoArrayRaisesAndWritesNothing)
-{
-    host.Declare("S", g_StringType);
-    const std::pair<const char*, const char*> rows[] = {{"\"HALLO\"", "Typumwandlung"}, {"65", "Typumwandlung"}, {"{x", "{x"}};
-    for (const auto& [arr, messagePart] : rows) {
-        EXPECT_TRUE(test::RaisedMessage([&] { ToStr(arr); }).value_or("").contains(messagePart)) << arr;
-    }
+    for (const auto& [arr, expected] : rows) EXPECT_EQ(ToStr(arr), QString::fromUtf8(expected)) << arr;
+    host.setVariableCalls.clear();
+    for (const char* arr : {"\"HALLO\"", "65"}) EXPECT_TRUE(ToStr(arr).startsWith("!Ungültige Typumwandlung")) << arr;
     EXPECT_TRUE(host.setVariableCalls.isEmpty());
 }
 
-TEST_F(ArrayStringTest, StrToArrayEmptiesTheArrayAndFillsElementsOneToNInPlace)
+TEST_F(ArrayStringTest, StrToArrayFillsTheEmptiedArrayInPlaceOrRaisesForWrongTargetsAndChangesNothing)
 {
     const std::tuple<TDVType, const char*, const char*> rows[] = {
         {g_StringArrayType, "HALLO", "{H}{A}{L}{L}{O}"}, {g_NumberArrayType, "HALLO", "{72}{65}{76}{76}{79}"},
@@ -69,22 +62,14 @@ TEST_F(ArrayStringTest, StrToArrayEmptiesTheArrayAndFillsElementsOneToNInPlace)
     for (const auto& [type, str, expected] : rows) {
         auto& array = dynamic_cast<TArrayValue&>(host.Declare("A", type).GetValue());
         for (int i = 1; i <= 7; ++i) array.SetVal(i, std::make_unique<TStringValue>("x"));
-        ToArray(str);
-        EXPECT_EQ(host.ValueText("A"), QString::fromUtf8(expected)) << str;
+        EXPECT_EQ(ToArray(str), QString::fromUtf8(expected)) << str;
     }
     EXPECT_TRUE(host.setVariableCalls.isEmpty());
-}
-
-TEST_F(ArrayStringTest, StrToArrayIntoWrongTargetsRaisesTheirMessagesAndChangesNothing)
-{
     host.Declare("Zahl", g_NumberType);
     host.Declare("Gemischt", g_MiscArrayType);
-    const std::pair<const char*, const char*> rows[] = {
-        {"Fehlt", "Der Bezeichner \"Fehlt\" wurde nicht als Variable deklariert!"},
-        {"Zahl", "Die Variable \"Zahl\" ist kein Array."},
-        {"Gemischt", "Es wurde ein Array erwartet"},
-    };
-    for (const auto& [name, message] : rows) EXPECT_EQ(test::RaisedMessage([&] { ToArray("HALLO", name); }), QString::fromUtf8(message));
+    EXPECT_EQ(ToArray("HALLO", "Fehlt"), "!Der Bezeichner \"Fehlt\" wurde nicht als Variable deklariert!");
+    EXPECT_EQ(ToArray("HALLO", "Zahl"), "!Die Variable \"Zahl\" ist kein Array.");
+    EXPECT_EQ(ToArray("HALLO", "Gemischt"), "!Es wurde ein Array erwartet");
     EXPECT_EQ(host.ValueText("Zahl"), "0");
     EXPECT_EQ(host.ValueText("Gemischt"), "");
     EXPECT_EQ(host.FindVariable("Fehlt"), nullptr);
