@@ -31,9 +31,7 @@ TEST(TextOutFormTest, FontButtonRebuildsTheStyleAndOkWritesTheBoxesBack)
             Type(d, "DVEdit_Text", "Neu");
             OnModal("FontDialog", [&](QWidget& fontDialog) {
                 auto& dialog = static_cast<QFontDialog&>(fontDialog);
-                QFont font(QStringLiteral("DejaVu Serif"), 14);  // a family with a bold italic face
-                font.setBold(true);
-                font.setItalic(true);
+                QFont font(QStringLiteral("DejaVu Serif"), 14, QFont::Bold, true);  // a family with a bold italic face
                 font.setUnderline(true);
                 dialog.setCurrentFont(font);
                 family = dialog.currentFont().family();

@@ -63,7 +63,7 @@ TEST(StringBearbeitungFormTest, OkWritesTheChosenSteps)
         Type(d, "Edit_Eingang", "abcdef");
         Type(d, "Edit_Ausgang", "R");
         // The search and count boxes show checked for their texts; unchecking them drops the texts from the list.
-        for (const char* name : {"CB_Pos", "cb_CountofChar", "CB_Fragment", "RB_Right", "RB_Del", "CB_Trim", "RB_Trimright"}) Click(d, name);
+        for (auto* name : {"CB_Pos", "cb_CountofChar", "CB_Fragment", "RB_Right", "RB_Del", "CB_Trim", "RB_Trimright"}) Click(d, name);
         Type(d, "Edit_Laenge", "2");
         Click(d, "BT_OK");
     });
@@ -80,6 +80,7 @@ TEST(ZahlenkonverterTest, RadiosChooseTheOperationAndShowStellenOnlyWhereUsed)
     TTestHost host;
     TDVCmdNumberConversion command(&host);
     const TParamList before = MakeParams({{"Operation", "ccOrd"}, {"Input", "A"}, {"Output", "X"}, {"Stellen", "2"}});
+    const TParamList chosen = MakeParams({{"Operation", "ccIntToHex"}, {"Input", "255"}, {"Output", "H"}, {"Stellen", "4"}});
     const QStringList usesStellen{"ccIntToBin", "ccIntToHex", "ccRound"};
     for (const QString button : {"BT_Cancel", "BT_OK"}) {
         TParamList params = before;
@@ -99,7 +100,7 @@ TEST(ZahlenkonverterTest, RadiosChooseTheOperationAndShowStellenOnlyWhereUsed)
         });
         EXPECT_EQ(command.Edit(params), button == "BT_OK");
         EXPECT_EQ(wrong, QStringList{});
-        EXPECT_EQ(params, button == "BT_OK" ? MakeParams({{"Operation", "ccIntToHex"}, {"Input", "255"}, {"Output", "H"}, {"Stellen", "4"}}) : before);
+        EXPECT_EQ(params, button == "BT_OK" ? chosen : before);
     }
 }
 
