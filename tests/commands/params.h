@@ -1,8 +1,11 @@
 #pragma once
-// Builds a parameter list from name/text pairs for command tests.
+// Parameter lists from name/text pairs, their read-back through a command, and the message of a raised
+// runtime error, for command tests.
+#include "framework/exceptions.h"
 #include "framework/paramlist.h"
 
 #include <initializer_list>
+#include <optional>
 #include <ostream>
 #include <utility>
 
@@ -25,6 +28,29 @@ inline TParamList MakeParams(TParamRows rows)
     TParamList params;
     for (const auto& [name, text] : rows) params.AddString(QString::fromUtf8(name), QString::fromUtf8(text));
     return params;
+}
+
+// The list that the command's SetParams and then ReadParams make of params: params itself when the two agree.
+template <class Command>
+TParamList ReadBack(Command& command, const TParamList& params)
+{
+    TParamList out;
+    command.SetDefaults();
+    command.SetParams(params);
+    command.ReadParams(out);
+    return out;
+}
+
+// Runs body: the message of the runtime error it raised, nullopt when it ran through.
+template <class Body>
+std::optional<QString> RaisedMessage(Body&& body)
+{
+    try {
+        body();
+    } catch (const TDVRuntimeException& e) {
+        return e.Message();
+    }
+    return std::nullopt;
 }
 
 }  // namespace dv::test

@@ -3,7 +3,6 @@
 #include "tests/commands/params.h"
 #include "tests/support/testhost.h"
 
-#include <QCheckBox>
 #include <QFontDialog>
 
 #include <gtest/gtest.h>
@@ -13,66 +12,46 @@ namespace {
 
 using namespace test;
 
-class TextOutFormTest : public ::testing::Test {
-protected:
+// Shows the fields, types a text and chooses a font; OK writes it all back, Abbrechen leaves the list.
+TEST(TextOutFormTest, FontButtonRebuildsTheStyleAndOkWritesTheBoxesBack)
+{
     TTestHost host;
-    TDVCmdTextOut command{&host};
-};
-
-TEST_F(TextOutFormTest, ShowsTheFieldsAndOkWritesThemBack)
-{
-    TParamList params = MakeParams({{"Text", "Hallo"}, {"Font", "\"Arial\""}, {"FontSize", "12"}, {"FontColor", "255"},
-                                    {"FontStyle", "\"bold\""}, {"FormFeed", "True"}});
-    QStringList shown;
-    bool formFeed = false;
-    OnModal("TFRM_TextOut", [&](QWidget& d) {
-        for (const char* name : {"DVEdit_Text", "Edit_Schriftart", "Edit_Schriftgroesse", "Edit_Schriftstyle"}) {
-            shown << Find<QLineEdit>(d, name).text();
-        }
-        formFeed = Find<QCheckBox>(d, "formfeed").isChecked();
-        Type(d, "DVEdit_Text", "Neu");
-        Click(d, "BT_OK");
-    });
-    ASSERT_TRUE(command.Edit(params));
-    EXPECT_EQ(shown, (QStringList{"Hallo", "Arial", "12", "bold"}));
-    EXPECT_TRUE(formFeed);
-    EXPECT_EQ(params, MakeParams({{"Text", "Neu"}, {"Font", "\"Arial\""}, {"FontSize", "12"}, {"FontColor", "255"},
-                                  {"FontStyle", "\"bold\""}, {"FormFeed", "True"}}));
-}
-
-TEST_F(TextOutFormTest, FontButtonRebuildsTheStyleText)
-{
-    TParamList params = MakeParams({{"Text", "x"}});
-    QString family;
-    OnModal("TFRM_TextOut", [&](QWidget& d) {
-        OnModal("FontDialog", [&](QWidget& fontDialog) {
-            auto& dialog = static_cast<QFontDialog&>(fontDialog);
-            QFont font(QStringLiteral("DejaVu Serif"), 14);  // a family with a bold italic face
-            font.setBold(true);
-            font.setItalic(true);
-            font.setUnderline(true);
-            dialog.setCurrentFont(font);
-            family = dialog.currentFont().family();
-            dialog.accept();
+    TDVCmdTextOut command(&host);
+    const TParamList before = MakeParams({{"Text", "Hallo"}, {"Font", "\"Arial\""}, {"FontSize", "12"}, {"FontColor", "255"},
+                                          {"FontStyle", "\"bold\""}, {"FormFeed", "True"}});
+    for (const QString button : {"BT_CANCEL", "BT_OK"}) {
+        TParamList params = before;
+        QStringList shown;
+        QString family;
+        OnModal("TFRM_TextOut", [&](QWidget& d) {
+            for (const char* name : {"DVEdit_Text", "Edit_Schriftart", "Edit_Schriftgroesse", "Edit_Schriftstyle"}) {
+                shown << Find<QLineEdit>(d, name).text();
+            }
+            shown << (Find<QAbstractButton>(d, "formfeed").isChecked() ? "formfeed" : "");
+            Type(d, "DVEdit_Text", "Neu");
+            OnModal("FontDialog", [&](QWidget& fontDialog) {
+                auto& dialog = static_cast<QFontDialog&>(fontDialog);
+                QFont font(QStringLiteral("DejaVu Serif"), 14, QFont::Bold, true);  // a family with a bold italic face
+                font.setUnderline(true);
+                dialog.setCurrentFont(font);
+                family = dialog.currentFont().family();
+                dialog.accept();
+            });
+            Click(d, "BT_Schriftart");
+            Click(d, button.toLatin1().constData());
         });
-        Click(d, "BT_Schriftart");
-        Click(d, "BT_OK");
-    });
-    ASSERT_TRUE(command.Edit(params));
-    EXPECT_EQ(params.GetString("FontStyle"), "\"Underline  + Italic  + bold \"") << family.toStdString();
-    EXPECT_EQ(params.GetString("FontSize"), "14");
-    EXPECT_EQ(params.GetString("Font"), '"' + family + '"');
-}
-
-TEST_F(TextOutFormTest, AbbrechenLeavesTheList)
-{
-    TParamList params = MakeParams({{"Text", "x"}});
-    OnModal("TFRM_TextOut", [&](QWidget& d) {
-        Type(d, "Edit_Schriftart", "Courier");
-        Click(d, "BT_CANCEL");
-    });
-    EXPECT_FALSE(command.Edit(params));
-    EXPECT_EQ(params, MakeParams({{"Text", "x"}}));
+        const bool ok = button == "BT_OK";
+        EXPECT_EQ(command.Edit(params), ok);
+        EXPECT_EQ(shown, (QStringList{"Hallo", "Arial", "12", "bold", "formfeed"}));
+        TParamList expected = before;
+        if (ok) {
+            expected.AddString("Text", "Neu");
+            expected.AddString("Font", '"' + family + '"');
+            expected.AddString("FontSize", "14");
+            expected.AddString("FontStyle", "\"Underline  + Italic  + bold \"");  // the words in reverse order
+        }
+        EXPECT_EQ(params, expected) << button.toStdString();
+    }
 }
 
 }  // namespace

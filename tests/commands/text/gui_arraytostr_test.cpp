@@ -1,83 +1,91 @@
+// ArrayToStr and its reverse, StrToArray.
 #include "commands/text/gui_arraytostr.h"
-#include "framework/exceptions.h"
-#include "framework/parser.h"
+#include "commands/text/gui_strtoarray.h"
 #include "tests/commands/params.h"
 #include "tests/support/testhost.h"
 
 #include <gtest/gtest.h>
+
+#include <tuple>
 
 namespace dv {
 namespace {
 
 using test::MakeParams;
 
-class ArrayToStrTest : public ::testing::Test {
+class ArrayStringTest : public ::testing::Test {
 protected:
-    ArrayToStrTest() { host.Declare("S", g_StringType); }
-
-    void Run(const char* arr)
+    // Each runs its command: the text of the variable it fills, or "!" and the message of the error raised.
+    QString ToStr(const char* arr)
     {
         TParamList params = MakeParams({{"Str", "S"}, {"Arr", arr}});
-        command.Run(params);
+        const auto error = test::RaisedMessage([&] { toStr.Run(params); });
+        return error ? "!" + *error : host.ValueText("S");
+    }
+    QString ToArray(const char* str, const char* arr = "A")
+    {
+        TParamList params = MakeParams({{"str", str}, {"arr", arr}});
+        const auto error = test::RaisedMessage([&] { toArray.Run(params); });
+        return error ? "!" + *error : host.ValueText(arr);
     }
 
     test::TTestHost host;
-    TDVCmdArrayToString command{&host};
+    TDVCmdArrayToString toStr{&host};
+    TDVCmdStringToArray toArray{&host};
 };
 
-TEST_F(ArrayToStrTest, JoinsCharactersAndCodes)
+TEST_F(ArrayStringTest, ArrayToStrJoinsCharactersAndCodesOrRaisesAndWritesNothing)
 {
+    host.Declare("S", g_StringType);
     const std::pair<const char*, const char*> rows[] = {
-        {"{72}{65}{76}{76}{79}", "HALLO"},
-        {"{H}{A}{L}{L}{O}", "HALLO"},
+        // The parser's element list has an unused entry 0: the join starts at entry 1, the first element.
+        {"{72}{65}{76}{76}{79}", "HALLO"}, {"{H}{A}{L}{L}{O}", "HALLO"},
         {"[65.5, 66.5]", "BB"},  // codes round halves to even
         {"{128}{159}", "€Ÿ"},    // Windows-1252 codes
         {"[True, 65]", "A"},     // values of other kinds add nothing
-        {"{300}", "?"},
-        {"[]", ""},
-        {"[\"ab\", 67]", "abC"},
+        {"{300}", "?"}, {"[]", ""}, {"[\"ab\", 67]", "abC"},
     };
-    for (const auto& [arr, expected] : rows) {
-        Run(arr);
-        EXPECT_EQ(host.ValueText("S"), QString::fromUtf8(expected)) << arr;
-    }
+    for (const auto& [arr, expected] : rows) EXPECT_EQ(ToStr(arr), QString::fromUtf8(expected)) << arr;
+    host.setVariableCalls.clear();
+    for (const char* arr : {"\"HALLO\"", "65"}) EXPECT_TRUE(ToStr(arr).startsWith("!Ungültige Typumwandlung")) << arr;
+    EXPECT_TRUE(host.setVariableCalls.isEmpty());
 }
 
-TEST_F(ArrayToStrTest, EntryZeroOfTheElementListIsNeverConverted)
+TEST_F(ArrayStringTest, StrToArrayFillsTheEmptiedArrayInPlaceOrRaisesForWrongTargetsAndChangesNothing)
 {
-    // The parser's element list carries an unused entry 0; the first element is entry 1 and is joined.
-    const TDVAbsyPtr tree = host.ParseExpression("{72}{73}");
-    const auto& elements = dynamic_cast<const TDVAbsyArray&>(*tree).Elements();
-    ASSERT_EQ(elements.size(), 3u);
-    EXPECT_EQ(elements[0], nullptr);
-    Run("{72}{73}");
-    EXPECT_EQ(host.ValueText("S"), "HI");
-}
-
-TEST_F(ArrayToStrTest, TextThatIsNoArrayRaisesAndWritesNothing)
-{
-    for (const char* arr : {"\"HALLO\"", "65", "{unclosed"}) {
-        host.setVariableCalls.clear();
-        EXPECT_THROW(Run(arr), TDVRuntimeException) << arr;
-        EXPECT_TRUE(host.setVariableCalls.isEmpty()) << arr;
+    const std::tuple<TDVType, const char*, const char*> rows[] = {
+        {g_StringArrayType, "HALLO", "{H}{A}{L}{L}{O}"}, {g_NumberArrayType, "HALLO", "{72}{65}{76}{76}{79}"},
+        {g_NumberArrayType, "€ä", "{128}{228}"},  // Windows-1252 codes
+        {g_NumberArrayType, "Я", "{63}"},         // what Ord1252 gives a letter outside the code page
+        {g_StringArrayType, "", ""},
+    };
+    for (const auto& [type, str, expected] : rows) {
+        auto& array = dynamic_cast<TArrayValue&>(host.Declare("A", type).GetValue());
+        for (int i = 1; i <= 7; ++i) array.SetVal(i, std::make_unique<TStringValue>("x"));
+        EXPECT_EQ(ToArray(str), QString::fromUtf8(expected)) << str;
     }
+    EXPECT_TRUE(host.setVariableCalls.isEmpty());
+    host.Declare("Zahl", g_NumberType);
+    host.Declare("Gemischt", g_MiscArrayType);
+    EXPECT_EQ(ToArray("HALLO", "Fehlt"), "!Der Bezeichner \"Fehlt\" wurde nicht als Variable deklariert!");
+    EXPECT_EQ(ToArray("HALLO", "Zahl"), "!Die Variable \"Zahl\" ist kein Array.");
+    EXPECT_EQ(ToArray("HALLO", "Gemischt"), "!Es wurde ein Array erwartet");
+    EXPECT_EQ(host.ValueText("Zahl"), "0");
+    EXPECT_EQ(host.ValueText("Gemischt"), "");
+    EXPECT_EQ(host.FindVariable("Fehlt"), nullptr);
 }
 
-TEST_F(ArrayToStrTest, OlderLineNamesTheArrayFirst)
+TEST_F(ArrayStringTest, OlderLinesOfArrayToStrNameTheArrayFirst)
 {
     TParamList params;
-    ASSERT_TRUE(command.DecodeScript("ArrayToStr(A, B);", params, nullptr));
-    EXPECT_EQ(params.Names(), (QStringList{"Str", "Arr"}));
-    EXPECT_EQ(params.GetString("Str"), " B");  // pieces are not trimmed
-    EXPECT_EQ(params.GetString("Arr"), "A");
-    ASSERT_TRUE(command.DecodeScript("ArrayToStr;", params, nullptr));
-    EXPECT_EQ(params.GetString("Str"), "");
-    EXPECT_EQ(params.GetString("Arr"), "");
-}
-
-TEST_F(ArrayToStrTest, Description)
-{
-    EXPECT_EQ(command.GetDescription("ArrayToStr", MakeParams({{"Str", "S"}, {"Arr", "A"}})),
+    ASSERT_TRUE(toStr.DecodeScript("ArrayToStr(A, B);", params, nullptr));
+    EXPECT_EQ(params, MakeParams({{"Str", " B"}, {"Arr", "A"}}));  // pieces are not trimmed
+    ASSERT_TRUE(toStr.DecodeScript("ArrayToStr;", params, nullptr));
+    EXPECT_EQ(params, MakeParams({{"Str", ""}, {"Arr", ""}}));
+    params.Clear();
+    ASSERT_TRUE(toArray.DecodeScript("StrToArray(A, B);", params, nullptr));
+    EXPECT_EQ(params, MakeParams({{"str", "A"}, {"arr", " B"}}));
+    EXPECT_EQ(toStr.GetDescription("ArrayToStr", MakeParams({{"Str", "S"}, {"Arr", "A"}})),
               "Konvertiere das Array >>A<< in einen String und speichere ihn in S");
 }
 
