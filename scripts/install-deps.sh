@@ -5,7 +5,7 @@ packages=(
   cmake ninja-build g++ pkg-config
   qt6-base-dev libgl-dev
   libliquid-dev libfftw3-dev libsimpleini-dev
-  libx11-dev
+  libx11-dev fonts-dejavu-core
   libgtest-dev libgmock-dev libbenchmark-dev
   python3-numpy python3-scipy
 )
