@@ -118,16 +118,16 @@ TEST_F(SysUtilsRunTest, FileInUseByAnotherProcessOrALock)
 
 TEST(SysUtilsParamsTest, OlderLineFormsAndTheirSecondText)
 {
-    const std::pair<const char*, TParamRows> rows[] = {
-        {"FILESIZE(c:\\a.txt):R;", {{"Command", "\"FileSize\""}, {"FileName", "c:\\a.txt"}, {"Result", "R"}, {"Target", ""}}},
-        {"SysUtils.FileCopy(a.txt,b.txt);", {{"Command", "\"FileCopy\""}, {"FileName", "a.txt"}, {"Result", ""}, {"Target", "b.txt"}}},
-        {"FileDate(x):d;", {{"Command", "\"FileExist\""}, {"FileName", "x"}, {"Result", "d"}, {"Target", ""}}},  // no older FileDate
+    const std::array<const char*, 5> rows[] = {  // line, Command, FileName, Result, Target
+        {"FILESIZE(c:\\a.txt):R;", "\"FileSize\"", "c:\\a.txt", "R", ""},
+        {"SysUtils.FileCopy(a.txt,b.txt);", "\"FileCopy\"", "a.txt", "", "b.txt"},
+        {"FileDate(x):d;", "\"FileExist\"", "x", "d", ""},  // FileDate has no older form
     };
     TDVCmdSystemUtilities utils(nullptr);
-    for (const auto& [line, expected] : rows) {
+    for (const auto& [line, command, fileName, result, target] : rows) {
         TParamList p;
         ASSERT_TRUE(utils.DecodeScript(line, p, nullptr));
-        EXPECT_EQ(p, MakeParams(expected)) << line;
+        EXPECT_EQ(p, MakeParams({{"Command", command}, {"FileName", fileName}, {"Result", result}, {"Target", target}})) << line;
     }
     EXPECT_EQ(utils.OlderNames().size(), 10);  // every sub-command but FileDate
 }
