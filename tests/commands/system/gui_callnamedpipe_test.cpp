@@ -1,103 +1,133 @@
 #include "commands/system/gui_callnamedpipe.h"
-#include "framework/exceptions.h"
-#include "tests/commands/system/testservers.h"
-#include "tests/support/testhost.h"
 
-#include <gtest/gtest.h>
+#include "commands/system/gui_tcp.h"
+#include "tests/commands/system/systemtest.h"
 
 #include <QProcess>
 
 namespace dv {
 namespace {
 
-using test::TPipeServer;
+using namespace test;
 
 class CallNamedPipeTest : public ::testing::Test {
 protected:
     CallNamedPipeTest() { host.Declare("Antwort", g_StringType); }
 
-    void Run(const QString& name, const QString& call)
+    // One call: the reply stored in Antwort, or the failure text.
+    QString Run(const QString& name, const QString& call)
     {
-        TParamList params;
-        params.AddString("Name", name);
-        params.AddString("Call", call);
-        params.AddString("Result", "Antwort");
-        command.RunThreaded(params);
+        TParamList params = ParamsOf({{"Name", name}, {"Call", call}, {"Result", "Antwort"}});
+        const QString failure = FailureOf([&] { command.RunThreaded(params); });
+        return failure.isEmpty() ? host.ValueText("Antwort") : failure;
     }
 
-    test::TTestHost host;
+    TTestHost host;
     TDVCmdCallNamedPipe command{&host};
 };
 
-TEST_F(CallNamedPipeTest, ReplyGoesToTheResultVariable)
+TEST_F(CallNamedPipeTest, NamesOutsideTheLocalNamespaceFailNamingTheReasonAndWriteNothing)
 {
-    TPipeServer server([](int fd, const TRunControl& quit) { test::SendBytes(fd, test::ReceiveSome(fd, quit).toUpper()); });
-    Run(server.Name(), "status?");
-    EXPECT_EQ(host.ValueText("Antwort"), "STATUS?");
-}
-
-TEST_F(CallNamedPipeTest, TheFullLocalFormReachesTheSameEndpoint)
-{
-    TPipeServer server([](int fd, const TRunControl& quit) { test::SendBytes(fd, test::ReceiveSome(fd, quit)); });
-    Run("\\\\.\\pipe\\" + server.Name(), "via prefix");
-    EXPECT_EQ(host.ValueText("Antwort"), "via prefix");
-}
-
-TEST_F(CallNamedPipeTest, TextTravelsInTheWindows1252CodePage)
-{
-    QByteArray received;
-    TPipeServer server([&](int fd, const TRunControl& quit) {
-        received = test::ReceiveSome(fd, quit);
-        test::SendBytes(fd, received);
-    });
-    Run(server.Name(), QString::fromUtf8("Grüße 5 €"));
-    EXPECT_EQ(received, QByteArray("Gr\xFC\xDF" "e 5 \x80"));
-    EXPECT_EQ(host.ValueText("Antwort"), QString::fromUtf8("Grüße 5 €"));
-}
-
-TEST_F(CallNamedPipeTest, TheReplyEndsAtItsFirstZeroByte)
-{
-    TPipeServer server([](int fd, const TRunControl& quit) {
-        test::ReceiveSome(fd, quit);
-        test::SendBytes(fd, QByteArray("AB\0CD", 5));
-    });
-    Run(server.Name(), "x");
-    EXPECT_EQ(host.ValueText("Antwort"), "AB");
-}
-
-TEST_F(CallNamedPipeTest, ARemotePipeFailsAndWritesNothing)
-{
-    try {
-        Run("\\\\server\\pipe\\x", "x");
-        FAIL() << "a remote pipe name must fail";
-    } catch (const TDVRuntimeException& e) {
-        EXPECT_TRUE(e.Message().startsWith("CallNamedPipe: Pipes auf anderen Rechnern")) << e.what();
+    const std::pair<QString, const char*> rows[] = {
+        {R"(\\server\pipe\x)", "\"server\""},           {R"(\\localhost\pipe\x)", "anderen Rechnern"},
+        {R"(\\.\mailslot\x)", "Ungültiger Pipe-Name"},  {R"(\\.\pipe\)", "Ungültiger Pipe-Name"},
+        {"a/b", "Ungültiger Pipe-Name"},                {"..", "Ungültiger Pipe-Name"},
+        {"", "kein Pipe-Name"},                         {QString(108, 'x'), "zu lang"},  // past a socket address
+    };
+    for (const auto& [pipeName, reason] : rows) {
+        const QString failure = Run(pipeName, "x");
+        EXPECT_TRUE(failure.startsWith("CallNamedPipe: ") && failure.contains(reason)) << failure.toStdString();
     }
     EXPECT_TRUE(host.setVariableCalls.isEmpty());
 }
 
-TEST_F(CallNamedPipeTest, StoppingTheRunStoresAnEmptyReply)
+TEST_F(CallNamedPipeTest, TheReplyIsTheServersFirstMessageInWindows1252)
 {
+    QByteArray received;
+    TPipeServer server([&](int fd, const TRunControl& quit) {
+        received = ReceiveSome(fd, quit);
+        if (received == "slow" && quit.WaitForStop(300)) return;
+        if (received == "two") SendBytes(fd, "first");
+        if (received == "zero") SendBytes(fd, QByteArray("AB\0CD", 5));
+        else if (received.toInt() > 0) SendBytes(fd, QByteArray(received.toInt(), 'r'));
+        else if (received != "none") SendBytes(fd, received);
+    });
+    const std::pair<QString, QString> rows[] = {
+        {"two", "first"},  // a second message is not part of the reply
+        {"slow", "slow"},  {"none", ""},  // a server that closes without answering
+        {"zero", "AB"},    // the reply ends at its first zero byte
+        {"4097", QString(4097, 'r')},
+        {"4098", "CallNamedPipe: Weitere Daten sind verfügbar: die Antwort ist länger als 4097 Bytes."},
+        {QString::fromUtf8("Grüße 5 €"), QString::fromUtf8("Grüße 5 €")},
+    };
+    for (const auto& [call, outcome] : rows) EXPECT_EQ(Run(server.name, call), outcome) << call.toStdString();
+    EXPECT_EQ(received, QByteArray("Gr\xFC\xDF" "e 5 \x80"));
+    EXPECT_EQ(Run("\\\\.\\pipe\\" + server.name, "full form"), "full form");  // the same endpoint
+    EXPECT_EQ(Run("\\\\.\\PIPE\\" + server.name, "any case"), "any case");
+}
+
+TEST_F(CallNamedPipeTest, ABusyPipeIsRetriedUntilTheLimitThenFailsWithTheBusyText)
+{
+    static_assert(localpipe::TConnectTimings{}.retryWaitMs == 50 && localpipe::TConnectTimings{}.connectLimitMs == 5000);
+    // Backlog 0 and nobody accepting yet: the first client fills the queue, every further one is busy.
+    TPipeServer busy({}, 0, 60000);
+    const TSocketFd filler = ConnectFiller(busy.path);
+    command.SetConnectTimings({50, 300});
+    const auto start = Clock::now();
+    EXPECT_EQ(Run(busy.name, "x"), "CallNamedPipe: Alle Pipeinstanzen sind ausgelastet.");
+    EXPECT_GE(MsSince(start), 300);
+
+    // A server that starts accepting 250 ms late is served within a 2 s limit.
+    TPipeServer late([](int fd, const TRunControl& quit) { SendBytes(fd, ReceiveSome(fd, quit)); }, 0, 250);
+    const TSocketFd lateFiller = ConnectFiller(late.path);
+    SendBytes(lateFiller.Get(), "filler");
+    command.SetConnectTimings({50, 2000});
+    EXPECT_EQ(Run(late.name, "patient"), "patient");
+}
+
+TEST_F(CallNamedPipeTest, AMissingPipeFailsWithTheSystemTextAfterTheWaitOrAtOnceWhenStopped)
+{
+    const QString missing = "CallNamedPipe: " + qt_error_string(ENOENT);
+    command.SetConnectTimings({50, 200});
+    auto start = Clock::now();
+    EXPECT_EQ(Run(UniquePipeName(), "x"), missing);
+    EXPECT_GE(MsSince(start), 200);
+
+    command.SetConnectTimings({50, 5000});
     host.runControl.SignalStop();
+    start = Clock::now();
+    EXPECT_EQ(Run(UniquePipeName(), "x"), missing);
+    EXPECT_LT(MsSince(start), 1000);
+}
+
+TEST_F(CallNamedPipeTest, StopEndsAPendingTransactionWithAnEmptyReplyWithin100Ms)
+{
     TPipeServer server([](int fd, const TRunControl& quit) {
-        test::ReceiveSome(fd, quit);
-        quit.WaitForStop(-1);
+        ReceiveSome(fd, quit);
+        quit.WaitForStop(-1);  // never answers
     });
     host.Declare("Antwort", g_StringType).Assign(std::make_unique<TStringValue>("old"));
-    Run(server.Name(), "x");
-    EXPECT_EQ(host.ValueText("Antwort"), "");
+    TStopLater stopper(host.runControl, 100);
+    EXPECT_EQ(Run(server.name, "x"), "");
+    EXPECT_LT(stopper.MsSinceSignal(), 100);
     EXPECT_EQ(host.setVariableCalls, QStringList{"Antwort"});
 }
 
-TEST_F(CallNamedPipeTest, TheEchoServerAnswersWithTheSameText)
+TEST_F(CallNamedPipeTest, TheEchoServerAnswersPipeAndTcp)
 {
-    const QString name = TPipeServer::UniqueName();
+    const QString name = UniquePipeName();
+    int port = 0;
+    LoopbackSocket(false, port);  // closed again: free for the echo server
     QProcess echo;
-    echo.start(QStringLiteral(DV_PIPE_ECHO), {"--pipe", name, "--exit-after", "20"});
+    echo.start(QStringLiteral(DV_PIPE_ECHO), {"--pipe", name, "--tcp", QString::number(port), "--exit-after", "20"});
     ASSERT_TRUE(echo.waitForReadyRead(5000)) << "dvpipe-echo did not start";
     ASSERT_EQ(echo.readLine().trimmed(), "ready");
-    Run(name, "PING");
-    EXPECT_EQ(host.ValueText("Antwort"), "PING");
+    EXPECT_EQ(Run(name, "PING"), "PING");
+    TDVCmdTCP tcp(&host);
+    TParamList params = ParamsOf(
+        {{"Host", "127.0.0.1"}, {"Port", QString::number(port)}, {"Send", "TCP-PING"}, {"Sentinel", "[10]"}, {"Result", "Antwort"}});
+    tcp.RunThreaded(params);
+    EXPECT_EQ(host.ValueText("Antwort"), "TCP-PING");
     echo.terminate();
     ASSERT_TRUE(echo.waitForFinished(5000));
     EXPECT_FALSE(QFile::exists(localpipe::EndpointPath(name)));  // the server removes its endpoint

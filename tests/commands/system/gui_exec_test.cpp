@@ -1,188 +1,126 @@
 #include "commands/system/gui_exec.h"
 
-#include "framework/exceptions.h"
-#include "tests/support/testhost.h"
-
-#include <gtest/gtest.h>
-
-#include <QTemporaryDir>
-
-#include <chrono>
-#include <thread>
+#include "tests/commands/system/systemtest.h"
 
 namespace dv {
 namespace {
 
-TEST(ExecArithmeticTest, WaitLimitRoundsAndWrapsAsAnUnsignedCount)
+using namespace test;
+
+TEST(ExecArithmeticTest, WaitLimitWrapsAsAnUnsignedCountAndTheResultKeepsItsOffset)
 {
-    struct Row {
-        long double timeOut;
-        long double delay;
-        std::uint32_t ms;
+    const std::tuple<long double, long double, std::uint32_t> rows[] = {  // TimeOut, Delay, wait limit
+        {0, 0, 0},  {1, 2.5L, 3500},  {0.0015L, 0, 2},  {-1, 0, 4294966296u},  {0, -0.001L, 0xFFFFFFFFu},
+        {4294967.296L, 0, 0},  // 2^32 ms wraps to 0
     };
-    const Row rows[] = {
-        {0, 0, 0},
-        {0.2L, 0, 200},
-        {1, 2.5L, 3500},        // Delay adds to TimeOut
-        {0.0005L, 0, 0},        // half a millisecond rounds to even
-        {0.0015L, 0, 2},
-        {-1, 0, 4294966296u},   // 2^32 - 1000
-        {0, -0.001L, 0xFFFFFFFFu},
-        {4294967.296L, 0, 0},   // 2^32 ms wraps to 0
-    };
-    for (const Row& r : rows) EXPECT_EQ(ExecWaitLimitMs(r.timeOut, r.delay), r.ms) << double(r.timeOut) << " + " << double(r.delay);
+    for (const auto& [t, d, ms] : rows) EXPECT_EQ(ExecWaitLimitMs(t, d), ms) << double(t) << " + " << double(d);
+    EXPECT_EQ(ExecResultOf(0), 0);
+    EXPECT_EQ(ExecResultOf(1), -65535);  // the offset of 65536 is kept for old scripts
 }
 
-TEST(ExecArithmeticTest, ResultMappingAndCommandLine)
+TEST(ExecArithmeticTest, CommandLineIsSplitAsAShellDoesWithoutExpanding)
 {
-    EXPECT_EQ(ExecResultOf(0), 0);
-    EXPECT_EQ(ExecResultOf(1), -65535);
-    EXPECT_EQ(ExecResultOf(3), -65533);
-    EXPECT_EQ(ExecResultOf(255), -65281);
     EXPECT_EQ(ExecCommandLine("prog", ""), "prog");  // no trailing blank
-    EXPECT_EQ(ExecCommandLine("prog", "-a b"), "prog -a b");
-    EXPECT_EQ(ExecDefaultWorkDir("/opt/tools/prog"), "/opt/tools/");
     EXPECT_EQ(ExecDefaultWorkDir("\"/opt/my tools/prog\""), "\"/opt/my tools/");  // quotes as written
-    EXPECT_EQ(ExecDefaultWorkDir("prog"), "");
+    const std::pair<const char*, QStringList> rows[] = {
+        {"  sh\t-c  \"exit 3\" ", {"sh", "-c", "exit 3"}},
+        {"echo 'a \"b\" $HOME' x\"y z\"w \"\" '' *", {"echo", "a \"b\" $HOME", "xy zw", "", "", "*"}},  // no expanding, no globbing
+        {"echo \"a\\\"b\\\\c\\d\" a\\ b", {"echo", "a\"b\\c\\d", "a b"}},  // in "..." only \ " $ ` are escaped
+    };
+    for (const auto& [line, words] : rows) EXPECT_EQ(SplitCommandLine(QString::fromUtf8(line)), words) << line;
+    EXPECT_FALSE(SplitCommandLine("echo \"open").has_value());
+    EXPECT_FALSE(SplitCommandLine("echo 'open").has_value());
 }
 
 class ExecRunTest : public ::testing::Test {
 protected:
     ExecRunTest() { host.Declare("R", g_NumberType); }
 
-    TParamList Call(const QString& exe, const QString& args, const QString& timeOut, bool kill = false)
+    // Runs the program and gives the value of R, the Return variable unless told otherwise.
+    double Run(const char* exe, const char* args, const char* timeOut, bool kill = false, const QString& workDir = {},
+               const char* returnVar = "R")
     {
-        TParamList p;
-        p.AddString("ExePath", exe);
-        p.AddString("Params", args);
-        p.AddString("Return", "R");
-        p.AddString("TimeOut", timeOut);
-        p.AddString("Kill", kill ? "True" : "False");
-        return p;
+        TParamList p = ParamsOf({{"ExePath", exe},       {"Params", args},     {"WorkDir", workDir},
+                                 {"Return", returnVar}, {"TimeOut", timeOut}, {"Kill", kill ? "True" : "False"}});
+        exec.RunThreaded(p);
+        return double(static_cast<const TNumberValue*>(host.Value("R"))->GetVal());
     }
-    double Result() const { return double(static_cast<const TNumberValue*>(host.Value("R"))->GetVal()); }
 
-    test::TTestHost host;
+    TTestHost host;
     TDVCmdStartEXE exec{&host};
 };
 
-using Clock = std::chrono::steady_clock;
-double SecondsSince(Clock::time_point t) { return std::chrono::duration<double>(Clock::now() - t).count(); }
-
-TEST_F(ExecRunTest, ExitCodesAreMapped)
+TEST_F(ExecRunTest, ExitCodesAreMappedAndAnEmptyReturnWritesNothing)
 {
-    TParamList exit3 = Call("sh", "-c \"exit 3\"", "10");
-    exec.RunThreaded(exit3);
-    EXPECT_EQ(Result(), -65533);
-    TParamList exit0 = Call("sh", "-c 'exit 0'", "10");
-    exec.RunThreaded(exit0);
-    EXPECT_EQ(Result(), 0);
-    EXPECT_EQ(TDVCmdStartEXE::LastResult(), 0);
+    EXPECT_EQ(Run("sh", "-c \"exit 3\"", "10"), -65533);
+    EXPECT_EQ(Run("sh", "-c 'kill -9 $$'", "10"), 128 + 9 - 65536);  // a signal reads as a shell's 128 + n
+    EXPECT_EQ(Run("sh", "-c 'exit 0'", "10"), 0);
+    Run("sh", "-c 'exit 1'", "10", false, {}, "");
+    EXPECT_EQ(host.setVariableCalls.size(), 3);
+    EXPECT_EQ(TDVCmdStartEXE::LastResult(), -65535);  // what the editor's Test button shows
 }
 
-TEST_F(ExecRunTest, TimeOutGivesMinusTwoAndKillEndsTheProgram)
+bool Ended(pid_t pid)  // gone, or only waiting to be collected
 {
-    QTemporaryDir dir;
-    TParamList p = Call("sh", "-c 'trap \"echo term > got; exit 0\" TERM; sleep 30 & wait'", "0.2", true);
-    p.AddString("WorkDir", dir.path());
-    const auto t0 = Clock::now();
-    exec.RunThreaded(p);
-    EXPECT_LT(SecondsSince(t0), 0.5);
-    EXPECT_EQ(Result(), -2);
-    bool got = false;
-    for (int i = 0; i < 300 && !(got = QFileInfo::exists(dir.filePath("got"))); ++i) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    const QByteArray stat = ReadFile(QStringLiteral("/proc/%1/stat").arg(pid));
+    return stat.isEmpty() || stat.mid(stat.lastIndexOf(')') + 2, 1) == "Z";
+}
+
+TEST_F(ExecRunTest, TimeOutGivesMinusTwoAndKillAsksTheWholeGroupToEnd)
+{
+    auto start = Clock::now();
+    EXPECT_EQ(Run("sleep", "30", "0", true), -2);  // TimeOut 0 does not wait at all
+    EXPECT_LT(MsSince(start), 500);
+
+    QTemporaryDir dir;  // also proves WorkDir: the pid file lands there
+    start = Clock::now();
+    EXPECT_EQ(Run("sh", "-c 'sleep 30 & echo $! > pid; wait'", "0.2", true, dir.path()), -2);
+    EXPECT_LT(MsSince(start), 500);
+    const pid_t grandchild = ReadFile(dir.filePath("pid")).trimmed().toInt();
+    ASSERT_GT(grandchild, 0);
+    bool gone = false;
+    for (int i = 0; i < 500 && !(gone = Ended(grandchild)); ++i) std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    EXPECT_TRUE(gone) << "SIGTERM did not reach the program's child";
+}
+
+TEST_F(ExecRunTest, StopEventEndsTheWaitWithin100Ms)
+{
+    TStopLater stopper(host.runControl, 100);
+    EXPECT_EQ(Run("sleep", "30", "-1", true), -2);  // -1 s waits practically without end
+    EXPECT_LT(stopper.MsSinceSignal(), 100);
+}
+
+TEST_F(ExecRunTest, FailuresNameWhatWentWrongAndWriteNothing)
+{
+    const QString noFile = QString::fromLocal8Bit(strerror(ENOENT));
+    // ExePath, Params, TimeOut, WorkDir, what the message names
+    const std::tuple<const char*, const char*, const char*, const char*, QStringList> rows[] = {
+        {"/nonexistent/prog", "-x", "1", "", {"/nonexistent/prog -x", noFile}},
+        {"true", "", "1", "/nonexistent/dir", {"true", noFile}},
+        {"sh", "-c \"exit", "1", "", {"Anführungszeichen"}},
+        {"true", "", "\"soon\"", "", {"TimeOut"}},
+    };
+    for (const auto& [exe, args, timeOut, workDir, parts] : rows) {
+        const QString failure = FailureOf([&] { Run(exe, args, timeOut, false, workDir); });
+        for (const QString& part : parts) EXPECT_TRUE(failure.contains(part)) << exe << ": " << failure.toStdString();
     }
-    EXPECT_TRUE(got) << "the program was not asked to end";
-}
-
-TEST_F(ExecRunTest, StopEventEndsTheWaitAtOnce)
-{
-    TParamList p = Call("sleep", "30", "-1", true);  // -1 s waits practically without end
-    std::thread stopper([this] {
-        std::this_thread::sleep_for(std::chrono::milliseconds(100));
-        host.runControl.SignalStop();
-    });
-    const auto t0 = Clock::now();
-    exec.RunThreaded(p);
-    const double took = SecondsSince(t0);
-    stopper.join();
-    EXPECT_LT(took, 0.1 + 0.1);
-    EXPECT_EQ(Result(), -2);
-}
-
-TEST_F(ExecRunTest, EmptyReturnWritesNothing)
-{
-    TParamList p = Call("sh", "-c 'exit 1'", "10");
-    p.AddString("Return", "");
-    exec.RunThreaded(p);
-    EXPECT_TRUE(host.setVariableCalls.isEmpty());
-    EXPECT_EQ(TDVCmdStartEXE::LastResult(), -65535);
-}
-
-TEST_F(ExecRunTest, FailuresNameWhatWentWrong)
-{
-    TParamList missing = Call("/nonexistent/prog", "-x", "1");
-    try {
-        exec.RunThreaded(missing);
-        FAIL() << "no exception";
-    } catch (const TDVRuntimeException& e) {
-        EXPECT_TRUE(e.Message().contains("/nonexistent/prog -x")) << e.Message().toStdString();
-        EXPECT_TRUE(e.Message().contains(QString::fromLocal8Bit(strerror(ENOENT)))) << e.Message().toStdString();
-    }
-    TParamList openQuote = Call("sh", "-c \"exit", "1");
-    EXPECT_THROW(exec.RunThreaded(openQuote), TDVRuntimeException);
-    TParamList textTimeOut = Call("true", "", "\"soon\"");
-    EXPECT_THROW(exec.RunThreaded(textTimeOut), TDVRuntimeException);
     EXPECT_TRUE(host.setVariableCalls.isEmpty());
 }
 
-TEST(ExecParamsTest, EditorFoldsDelayIntoTimeOut)
-{
-    TDVCmdStartEXE exec(nullptr);
-    TParamList in;
-    in.AddString("ExePath", "\"/bin/prog\"");
-    in.AddString("TimeOut", "5");
-    in.AddString("Delay", "2");
-    in.AddString("Hide", "True");
-    exec.SetParams(in);
-    EXPECT_TRUE(exec.Fields().waitForExit);
-    EXPECT_EQ(exec.Fields().timeOut, 7);
-    TParamList out;
-    exec.ReadParams(out);
-    EXPECT_EQ(out.Names(), QStringList({"ExePath", "Params", "WorkDir", "Return", "TimeOut", "Hide", "Minimized", "Kill"}));
-    EXPECT_EQ(out.GetString("TimeOut"), "7");
-    EXPECT_EQ(out.GetString("Hide"), "True");
-    EXPECT_FALSE(out.Contains("Delay"));
-
-    TParamList noWait;
-    noWait.AddString("TimeOut", "0.5");  // not an integer: counts as 0, so waiting is off
-    exec.SetParams(noWait);
-    EXPECT_FALSE(exec.Fields().waitForExit);
-    TParamList written;
-    exec.ReadParams(written);
-    EXPECT_FALSE(written.Contains("TimeOut"));
-}
-
-TEST(ExecParamsTest, OlderLineForm)
+TEST(ExecParamsTest, OlderLineFormAndTheEditorsWholeSeconds)
 {
     TDVCmdStartEXE exec(nullptr);
     TParamList p;
     ASSERT_TRUE(exec.DecodeScript("Exec(prog,Param:-a,Pfad:/tmp,Result:R,TimeOut:4,V:True);3;", p, nullptr));
-    EXPECT_EQ(p.GetString("ExePath"), "prog");
-    EXPECT_EQ(p.GetString("Params"), "-a");
-    EXPECT_EQ(p.GetString("WorkDir"), "/tmp");
-    EXPECT_EQ(p.GetString("Return"), "R");
-    EXPECT_EQ(p.GetString("TimeOut"), "4");
-    EXPECT_EQ(p.GetString("Hide"), "True");
-    EXPECT_EQ(p.GetString("Delay"), "3");
+    EXPECT_EQ(p, MakeParams({{"ExePath", "prog"}, {"Params", "-a"}, {"WorkDir", "/tmp"}, {"Return", "R"}, {"TimeOut", "4"},
+                             {"Hide", "True"}, {"Delay", "3"}}));
     EXPECT_EQ(exec.Fields().timeOut, 7);
 
-    TParamList bare;
-    ASSERT_TRUE(exec.DecodeScript("Exec(prog,Param:,Pfad:,Result:,V:False);", bare, nullptr));
-    EXPECT_FALSE(bare.Contains("TimeOut"));
-    EXPECT_FALSE(bare.Contains("Delay"));
-    EXPECT_EQ(bare.GetString("ExePath"), "prog");
+    p = TParamList();
+    ASSERT_TRUE(exec.DecodeScript("Exec(prog,Param:,Pfad:,Result:,V:False);", p, nullptr));  // no TimeOut or Delay then
+    EXPECT_EQ(p, MakeParams({{"ExePath", "prog"}, {"Params", ""}, {"WorkDir", ""}, {"Return", ""}, {"Hide", "False"}}));
+    exec.SetParams(MakeParams({{"TimeOut", "0.5"}}));  // not an integer: counts as 0, so waiting is off
+    EXPECT_FALSE(exec.Fields().waitForExit);
 }
 
 }  // namespace

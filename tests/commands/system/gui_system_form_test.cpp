@@ -1,167 +1,149 @@
-// The editor dialogs of Exec, SysUtils and IniFile, driven offscreen by control name.
+// The editor dialogs of the system commands, driven offscreen by control name.
+#include "commands/system/gui_callnamedpipe.h"
 #include "commands/system/gui_exec.h"
 #include "commands/system/gui_inifile.h"
 #include "commands/system/gui_sysutils.h"
-#include "tests/support/testhost.h"
+#include "commands/system/gui_tcp.h"
+#include "tests/commands/formdriver.h"
+#include "tests/commands/system/systemtest.h"
 
-#include <gtest/gtest.h>
-
-#include <QApplication>
-#include <QCheckBox>
 #include <QLabel>
-#include <QLineEdit>
 #include <QMessageBox>
-#include <QPushButton>
-#include <QRadioButton>
 #include <QSpinBox>
-#include <QTest>
-#include <QTimer>
-
-#include <functional>
 
 namespace dv {
 namespace {
 
-// Runs act on the modal dialog as soon as it shows, then the command's Edit returns.
-bool EditWith(TDVThreadRunEdit& command, TParamList& params, std::function<void(QWidget&)> act)
-{
-    QTimer::singleShot(0, [act] {
-        QWidget* dialog = QApplication::activeModalWidget();
-        ASSERT_NE(dialog, nullptr);
-        act(*dialog);
-    });
-    return command.Edit(params);
-}
+using namespace test;
 
-template <class T>
-T* Child(QWidget& dialog, const char* name)
-{
-    T* w = dialog.findChild<T*>(name);
-    EXPECT_NE(w, nullptr) << name;
-    return w;
-}
+class SystemFormTest : public ::testing::Test {
+protected:
+    // Clicks the Test button and gives the text of the message box it shows.
+    static QString TestOutcome(QWidget& dialog, const QString& boxName)
+    {
+        QString shown;
+        OnModal(boxName, [&shown](QWidget& box) {
+            shown = static_cast<QMessageBox&>(box).text();
+            static_cast<QMessageBox&>(box).accept();
+        });
+        Click(dialog, "BT_Test");
+        return shown;
+    }
+    TTestHost host;
+};
 
-void Click(QWidget& dialog, const char* name) { Child<QAbstractButton>(dialog, name)->click(); }
-
-TEST(IniFilesFormTest, EnablingRulesFollowTheModeIncludingTheKeptAsymmetry)
+TEST_F(SystemFormTest, IniFilesEnablesTheEditsOfTheModeAndOkWritesTheList)
 {
-    test::TTestHost host;
     TDVCmdIniFiles ini(&host);
-    TParamList params;
-    EditWith(ini, params, [](QWidget& d) {
+    TParamList params = MakeParams({{"FileName", "\"a.ini\""}, {"Mode", "5"}});
+    const TParamList before = params;
+    OnModal("TIni_Files", [&](QWidget& d) {
+        EXPECT_TRUE(Find<QRadioButton>(d, "RB_ReadString").isChecked());
         for (const TIniModeRow& row : kIniModes) {
             Click(d, row.radioName);
-            const int mode = static_cast<int>(row.mode);
-            EXPECT_EQ(Child<QLineEdit>(d, "Edit_Section")->isEnabled(), mode >= 3) << mode;
-            EXPECT_EQ(Child<QLineEdit>(d, "Edit_Ident")->isEnabled(), (mode >= 3 && mode <= 11) || mode == 14) << mode;
-            EXPECT_EQ(Child<QLineEdit>(d, "Edit_Value")->isEnabled(), mode >= 7 && mode <= 10) << mode;
-            EXPECT_EQ(Child<QLineEdit>(d, "Edit_Result")->isEnabled(), (mode >= 3 && mode <= 6) || mode == 12 || mode == 14)
-                << mode;
+            const int m = static_cast<int>(row.mode);
+            EXPECT_EQ(Find<QLineEdit>(d, "Edit_Section").isEnabled(), m >= 3) << m;
+            EXPECT_EQ(Find<QLineEdit>(d, "Edit_Ident").isEnabled(), (m >= 3 && m <= 11) || m == 14) << m;
+            EXPECT_EQ(Find<QLineEdit>(d, "Edit_Value").isEnabled(), m >= 7 && m <= 10) << m;
+            // the result edit serves DeleteSection and not SectionExist, as it always did
+            EXPECT_EQ(Find<QLineEdit>(d, "Edit_Result").isEnabled(), (m >= 3 && m <= 6) || m == 12 || m == 14) << m;
         }
         Click(d, "BT_Cancel");
     });
-    EXPECT_EQ(params.Count(), 0);  // cancelled: the list is untouched
-}
+    EXPECT_FALSE(ini.Edit(params));
+    EXPECT_EQ(params, before);
 
-TEST(IniFilesFormTest, OkWritesTheParameterList)
-{
-    test::TTestHost host;
-    TDVCmdIniFiles ini(&host);
-    TParamList params;
-    params.AddString("FileName", "\"a.ini\"");
-    params.AddString("Mode", "5");
-    const bool ok = EditWith(ini, params, [](QWidget& d) {
-        EXPECT_TRUE(Child<QRadioButton>(d, "RB_ReadString")->isChecked());
-        EXPECT_EQ(Child<QLineEdit>(d, "Edit_Dateiname")->text(), "\"a.ini\"");
+    OnModal("TIni_Files", [](QWidget& d) {
         Click(d, "RB_WriteInteger");
-        QTest::keyClicks(Child<QLineEdit>(d, "Edit_Section"), "S");
-        QTest::keyClicks(Child<QLineEdit>(d, "Edit_Ident"), "K");
-        QTest::keyClicks(Child<QLineEdit>(d, "Edit_Value"), "12");
+        Type(d, "Edit_Value", "12");
         Click(d, "BT_OK");
     });
-    ASSERT_TRUE(ok);
-    EXPECT_EQ(params.Names(), QStringList({"FileName", "Section", "Ident", "Value", "Result", "Mode"}));
-    EXPECT_EQ(params.GetString("Mode"), "7");
-    EXPECT_EQ(params.GetString("Section"), "S");
-    EXPECT_EQ(params.GetString("Value"), "12");
+    ASSERT_TRUE(ini.Edit(params));
+    EXPECT_EQ(params, MakeParams({{"FileName", "\"a.ini\""}, {"Section", ""}, {"Ident", ""}, {"Value", "12"}, {"Result", ""},
+                                  {"Mode", "7"}}));
     EXPECT_EQ(host.attached.size(), 5u);  // every edit offers the script's variables
 }
 
-TEST(SystemUtilitiesFormTest, FileCopyRelabelsAndStoresTheTarget)
+TEST_F(SystemFormTest, SystemUtilitiesRelabelsForFileCopyAndStoresTheTarget)
 {
-    test::TTestHost host;
     TDVCmdSystemUtilities utils(&host);
     TParamList params;
-    const bool ok = EditWith(utils, params, [](QWidget& d) {
-        EXPECT_TRUE(Child<QRadioButton>(d, "RB_Fileexist")->isChecked());
-        Click(d, "RB_Filecopy");
-        EXPECT_EQ(Child<QLabel>(d, "LB_Filename")->text(), "Quelle:");
-        EXPECT_EQ(Child<QLabel>(d, "LB_Ergebnis")->text(), "Ziel:");
-        Click(d, "RB_FileAge");
-        EXPECT_EQ(Child<QLabel>(d, "LB_Filename")->text(), "Dateiname");
-        EXPECT_EQ(Child<QLabel>(d, "LB_Ergebnis")->text(), "Ergebnis-Variable");
-        Click(d, "RB_Filecopy");
-        QTest::keyClicks(Child<QLineEdit>(d, "Edit_Filename"), "a.txt");
-        QTest::keyClicks(Child<QLineEdit>(d, "Edit_Ergebnis"), "b.txt");
+    QStringList labels;
+    OnModal("TSystemUtilities", [&](QWidget& d) {
+        EXPECT_TRUE(Find<QRadioButton>(d, "RB_Fileexist").isChecked());
+        for (const char* radio : {"RB_Filecopy", "RB_FileAge", "RB_Filecopy"}) {
+            Click(d, radio);
+            labels << Find<QLabel>(d, "LB_Filename").text() + " / " + Find<QLabel>(d, "LB_Ergebnis").text();
+        }
+        Type(d, "Edit_Filename", "a.txt");
+        Type(d, "Edit_Ergebnis", "b.txt");
         Click(d, "BT_OK");
     });
-    ASSERT_TRUE(ok);
-    EXPECT_EQ(params.GetString("Command"), "\"FileCopy\"");
-    EXPECT_EQ(params.GetString("Target"), "b.txt");
-    EXPECT_EQ(params.GetString("Result"), "");
+    ASSERT_TRUE(utils.Edit(params));
+    EXPECT_EQ(labels, QStringList({"Quelle: / Ziel:", "Dateiname / Ergebnis-Variable", "Quelle: / Ziel:"}));
+    EXPECT_EQ(params, MakeParams({{"Command", "\"FileCopy\""}, {"FileName", "a.txt"}, {"Result", ""}, {"Target", "b.txt"}}));
 }
 
-TEST(StartExeFormTest, WaitControlsAndParameterList)
+TEST_F(SystemFormTest, StartExeShowsWaitControlsWithWaitingTestsWithoutCommittingAndFoldsDelay)
 {
-    test::TTestHost host;
     TDVCmdStartEXE exec(&host);
-    TParamList params;
-    params.AddString("ExePath", "\"/bin/prog\"");
-    params.AddString("TimeOut", "3");
-    params.AddString("Delay", "2");
-    params.AddString("Kill", "True");
-    const bool ok = EditWith(exec, params, [](QWidget& d) {
-        EXPECT_TRUE(Child<QCheckBox>(d, "CB_WaitForExit")->isChecked());
-        EXPECT_EQ(Child<QSpinBox>(d, "Spin_Timeout")->value(), 5);
-        EXPECT_FALSE(Child<QSpinBox>(d, "Spin_Timeout")->isHidden());
-        EXPECT_TRUE(Child<QCheckBox>(d, "CB_Kill")->isChecked());
+    TParamList params = MakeParams({{"ExePath", "sh"}, {"Params", "-c 'exit 9'"}, {"TimeOut", "3"}, {"Delay", "2"}, {"Kill", "True"}});
+    QString shown, paramsDuringTest;
+    OnModal("TStartEXE", [&](QWidget& d) {
+        EXPECT_EQ(Find<QSpinBox>(d, "Spin_Timeout").value(), 5);
+        EXPECT_TRUE(Find<QSpinBox>(d, "Spin_Timeout").isVisibleTo(&d));
+        Type(d, "Edit_Parameter", "-c 'exit 4'");
+        shown = TestOutcome(d, "TestResult");
+        paramsDuringTest = exec.Fields().params;
         Click(d, "CB_WaitForExit");
-        EXPECT_TRUE(Child<QSpinBox>(d, "Spin_Timeout")->isHidden());
-        EXPECT_TRUE(Child<QCheckBox>(d, "CB_Kill")->isHidden());
+        EXPECT_FALSE(Find<QSpinBox>(d, "Spin_Timeout").isVisibleTo(&d));
+        EXPECT_FALSE(Find<QCheckBox>(d, "CB_Kill").isVisibleTo(&d));
         Click(d, "CB_Minimized");
         Click(d, "BT_OK");
     });
-    ASSERT_TRUE(ok);
-    EXPECT_EQ(params.GetString("ExePath"), "\"/bin/prog\"");
-    EXPECT_FALSE(params.Contains("TimeOut"));  // not waiting: the default 0 holds
-    EXPECT_FALSE(params.Contains("Delay"));
-    EXPECT_EQ(params.GetString("Minimized"), "True");
-    EXPECT_EQ(params.GetString("Kill"), "True");
+    ASSERT_TRUE(exec.Edit(params));
+    EXPECT_EQ(shown, "ExitCode = -65532");
+    EXPECT_EQ(paramsDuringTest, "-c 'exit 9'");
+    // Not waiting: TimeOut is left out so its default 0 holds; Delay is never written.
+    EXPECT_EQ(params, MakeParams({{"ExePath", "sh"}, {"Params", "-c 'exit 4'"}, {"WorkDir", ""}, {"Return", ""}, {"Hide", "False"},
+                                  {"Minimized", "True"}, {"Kill", "True"}}));
 }
 
-TEST(StartExeFormTest, TestButtonShowsTheExitCode)
+TEST_F(SystemFormTest, CallNamedPipeTestsTheCallWithoutWritingAndAbbrechenLeavesTheList)
 {
-    test::TTestHost host;
-    TDVCmdStartEXE exec(&host);
-    TParamList params;
-    QString shown;
-    const bool ok = EditWith(exec, params, [&shown](QWidget& d) {
-        QTest::keyClicks(Child<QLineEdit>(d, "Edit_ExeName"), "sh");
-        QTest::keyClicks(Child<QLineEdit>(d, "Edit_Parameter"), "-c 'exit 4'");
-        Click(d, "CB_WaitForExit");
-        Child<QSpinBox>(d, "Spin_Timeout")->setValue(10);
-        QTimer::singleShot(0, [&shown] {
-            auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-            ASSERT_NE(box, nullptr);
-            shown = box->text();
-            box->accept();
-        });
-        Click(d, "BT_Test");
+    TDVCmdCallNamedPipe command(&host);
+    TPipeServer server([](int fd, const TRunControl& quit) { SendBytes(fd, "re: " + ReceiveSome(fd, quit)); });
+    TParamList params = ParamsOf({{"Name", server.name}, {"Call", "PING"}, {"Result", "Antwort"}});
+    const TParamList before = params;
+    QStringList outcomes;
+    OnModal("TFormCallNamedPipe", [&](QWidget& d) {
+        outcomes << TestOutcome(d, "MSG_TestResult");
+        Type(d, "DVEdit_Name", "\\\\server\\pipe\\x");
+        outcomes << TestOutcome(d, "MSG_TestResult").left(41);
         Click(d, "BT_Cancel");
     });
-    EXPECT_FALSE(ok);
-    EXPECT_EQ(shown, "ExitCode = -65532");
-    EXPECT_EQ(exec.Fields().exePath, "");  // the test did not commit the dialog
+    EXPECT_FALSE(command.Edit(params));
+    EXPECT_EQ(params, before);
+    EXPECT_EQ(outcomes, QStringList({"Ergebnis = re: PING", "CallNamedPipe: Pipes auf anderen Rechnern"}));
+    EXPECT_TRUE(host.setVariableCalls.isEmpty());
+    EXPECT_EQ(host.attached.size(), 3u);
+}
+
+TEST_F(SystemFormTest, TcpOffersTheLineFeedSentinelToANewCallAndStoresEveryParameter)
+{
+    TDVCmdTCP command(&host);
+    command.SetDefaults();  // as the host inserts a new call: defaults, then the editor on the defaulted list
+    TParamList params;
+    command.AddDefaults(params);
+    OnModal("TFormTCP", [](QWidget& d) {
+        Type(d, "DVEdit_Host", "127.0.0.1");
+        Type(d, "DVEdit_Port", "80");
+        Type(d, "DVEdit_Result", "Antwort");
+        Click(d, "BT_OK");
+    });
+    ASSERT_TRUE(command.Edit(params));
+    EXPECT_EQ(params, MakeParams({{"Host", "127.0.0.1"}, {"Port", "80"}, {"Send", ""}, {"Sentinel", "[10]"}, {"Result", "Antwort"}}));
+    EXPECT_EQ(host.attached.size(), 5u);
 }
 
 }  // namespace

@@ -1,183 +1,91 @@
 #include "commands/system/gui_tcp.h"
-#include "framework/exceptions.h"
-#include "framework/registry.h"
-#include "tests/commands/system/testservers.h"
-#include "tests/support/testhost.h"
 
-#include <gtest/gtest.h>
-
-#include <QProcess>
-
-#include <chrono>
+#include "tests/commands/system/systemtest.h"
 
 namespace dv {
 namespace {
 
-using test::TTcpServer;
+using namespace test;
+using namespace tcpclient;
+
+TEST(TcpClientTest, SentinelTextsOfCharacterCodes)
+{
+    const std::pair<QString, QString> rows[] = {
+        {"\n", "\n"},  {"[10]", "\n"},  {"{13}{10}", "\r\n"},  {"[ 13, 10 ]", "\r\n"},  {"[]", ""},  {"", ""},
+        {"{128}", QString(QChar(0x20AC))},  // codes are Windows-1252: 128 is the euro sign
+        {"[256]", "[256]"},  {"[10", "[10"},  {"{10}x", "{10}x"},  {"END", "END"},  // no code list: the text itself
+    };
+    for (const auto& [parameter, sentinel] : rows) EXPECT_EQ(SentinelText(parameter), sentinel) << parameter.toStdString();
+}
+
+TEST(TcpClientTest, PortTextsAndConnectFailuresNameWhatWasWrong)
+{
+    const std::pair<const char*, int> ports[] = {{" 80 ", 80}, {"65535", 65535}, {"5000.0", 5000}};
+    for (const auto& [text, port] : ports) EXPECT_EQ(TcpPort(text), port);
+    for (const QString bad : {"0", "65536", "-1", "1.5", "abc", ""}) {
+        EXPECT_TRUE(FailureOf([&] { TcpPort(bad); }).contains("Ungültiger Port \"" + bad + "\"")) << bad.toStdString();
+    }
+    EXPECT_TRUE(FailureOf([] { Connect("", 80, nullptr); }).contains("kein Host"));
+    int port = 0;
+    LoopbackSocket(false, port);  // closed again: nobody listens there
+    EXPECT_EQ(FailureOf([&] { Connect("127.0.0.1", port, nullptr); }),
+              QString("TCP: Keine Verbindung zu 127.0.0.1:%1: %2").arg(port).arg(qt_error_string(ECONNREFUSED)));
+}
 
 class TcpCommandTest : public ::testing::Test {
 protected:
     TcpCommandTest() { host.Declare("Antwort", g_StringType); }
 
-    void Run(int port, const QString& send, const QString& sentinel = "\n")
+    // One call: the reply stored in Antwort, or the failure text.
+    QString Run(int port, const QString& send, const QString& sentinel)
     {
-        TParamList params;
-        params.AddString("Host", "127.0.0.1");
-        params.AddString("Port", QString::number(port));
-        params.AddString("Send", send);
-        params.AddString("Sentinel", sentinel);
-        params.AddString("Result", "Antwort");
-        command.RunThreaded(params);
+        TParamList params = ParamsOf({{"Host", "127.0.0.1"}, {"Port", QString::number(port)}, {"Send", send}, {"Sentinel", sentinel},
+                                      {"Result", "Antwort"}});
+        const QString failure = FailureOf([&] { command.RunThreaded(params); });
+        return failure.isEmpty() ? host.ValueText("Antwort") : failure;
     }
 
-    QString FailureOfRun(int port, const QString& send, const QString& sentinel = "\n")
-    {
-        try {
-            Run(port, send, sentinel);
-        } catch (const TDravikException& e) {
-            return e.Message();
-        }
-        return {};
-    }
-
-    test::TTestHost host;
+    TTestHost host;
     TDVCmdTCP command{&host};
 };
 
-// A server that answers each request with reply, once.
-test::TConnectionHandler Answering(QByteArray reply)
-{
-    return [reply](int fd, const TRunControl& quit) {
-        test::ReceiveSome(fd, quit);
-        test::SendBytes(fd, reply);
-        quit.WaitForStop(200);  // let the client read before the close
-    };
-}
-
-TEST_F(TcpCommandTest, ReplyEndsBeforeTheSentinel)
-{
-    struct Row {
-        QByteArray reply;
-        QString sentinel;
-        QString result;
-    };
-    const Row rows[] = {
-        {"OK\r\nfurther text", "\n", "OK"},
-        {"OK\r\nfurther text", "[10]", "OK"},
-        {"OK\r\nfurther text", "{13}{10}", "OK"},
-        {"a\r\nbENDc", "END", "a\r\nb"},
-        {"\xC3\xA4rger\n", "\n", QString::fromUtf8("ärger")},  // the reply is read as UTF-8
-    };
-    for (const Row& r : rows) {
-        TTcpServer server(Answering(r.reply));
-        Run(server.Port(), "Q", r.sentinel);
-        EXPECT_EQ(host.ValueText("Antwort"), r.result) << r.sentinel.toStdString();
-    }
-}
-
-TEST_F(TcpCommandTest, SendGoesOutAsUtf8WithoutALineEnding)
+TEST_F(TcpCommandTest, ReadsThePiecesOfTheReplyUpToTheSentinelOrFailsWritingNothing)
 {
     QByteArray received;
-    TTcpServer server([&](int fd, const TRunControl& quit) {
-        received = test::ReceiveSome(fd, quit);
-        test::SendBytes(fd, "ok\n");
+    TTcpServer server([&](int fd, const TRunControl& quit) {  // echoes in two pieces, then closes
+        received = ReceiveSome(fd, quit);
+        SendBytes(fd, received.left(3));
+        if (!quit.WaitForStop(30)) SendBytes(fd, received.mid(3));
     });
-    Run(server.Port(), QString::fromUtf8("Grüße"));
-    EXPECT_EQ(received, QByteArray("Gr\xC3\xBC\xC3\x9F" "e"));
+    TParamList defaults;  // what a call that leaves Sentinel out gets
+    command.AddDefaults(defaults);
+    static_assert(kReplyLimit == 64 * 1024 * 1024);  // what scripts get; this test lowers it
+    command.SetReplyLimit(20);
+    const std::array<QString, 3> rows[] = {  // Send, Sentinel, what is stored or the failure
+        {"OK\r\nfurther text", defaults.GetString("Sentinel"), "OK"},  // the CR before a line feed goes too
+        {"OK\r\nfurther text", "{13}{10}", "OK"},
+        {"a\r\nbENDc", "END", "a\r\nb"},
+        {QString(19, 'x') + "\n", "\n", QString(19, 'x')},  // up to the limit
+        {"", "", ""},  // an empty sentinel takes what has arrived: nothing yet
+        {"half", "\n", "TCP: Die Verbindung wurde geschlossen, bevor das Ende der Antwort empfangen wurde (4 Bytes empfangen)."},
+        {QString(21, 'x'), "\n", "TCP: Die Antwort ist länger als 20 Bytes, ohne dass ihr Ende empfangen wurde."},
+        {QString::fromUtf8("Grüße\n"), "\n", QString::fromUtf8("Grüße")},
+    };
+    for (const auto& [send, sentinel, outcome] : rows) EXPECT_EQ(Run(server.port, send, sentinel), outcome) << send.toStdString();
+    EXPECT_EQ(received, QByteArray("Gr\xC3\xBC\xC3\x9F" "e\n"));  // UTF-8, and no line ending appended
+    EXPECT_EQ(host.setVariableCalls.size(), 6);
 }
 
-TEST_F(TcpCommandTest, ADisconnectBeforeTheSentinelFailsAndWritesNothing)
+TEST_F(TcpCommandTest, StopEndsTheReadWithin100MsKeepingTheReplyUntrimmed)
 {
     TTcpServer server([](int fd, const TRunControl& quit) {
-        test::ReceiveSome(fd, quit);
-        test::SendBytes(fd, "partial");
-    });
-    EXPECT_TRUE(FailureOfRun(server.Port(), "x").startsWith("TCP: Die Verbindung wurde geschlossen"));
-    EXPECT_TRUE(host.setVariableCalls.isEmpty());
-}
-
-TEST_F(TcpCommandTest, AnEmptySentinelDoesNotWaitForAReply)
-{
-    TTcpServer server([](int fd, const TRunControl& quit) {
-        test::ReceiveSome(fd, quit);
-        quit.WaitForStop(-1);  // never answers
-    });
-    const auto start = std::chrono::steady_clock::now();
-    Run(server.Port(), "x", "");
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
-    EXPECT_EQ(host.ValueText("Antwort"), "");
-    EXPECT_EQ(host.setVariableCalls, QStringList{"Antwort"});
-}
-
-TEST_F(TcpCommandTest, StopKeepsTheReplyAsItStands)
-{
-    TTcpServer server([](int fd, const TRunControl& quit) {
-        test::ReceiveSome(fd, quit);
-        test::SendBytes(fd, "line\r");
+        ReceiveSome(fd, quit);
+        SendBytes(fd, "line\r");
         quit.WaitForStop(-1);
     });
-    std::thread stopper([&] {
-        std::this_thread::sleep_for(std::chrono::milliseconds(150));
-        host.runControl.SignalStop();
-    });
-    Run(server.Port(), "x");
-    stopper.join();
-    EXPECT_EQ(host.ValueText("Antwort"), "line\r");
-}
-
-TEST_F(TcpCommandTest, AnEndlessReplyHitsTheGuard)
-{
-    command.SetReplyLimit(4096);
-    TTcpServer server([](int fd, const TRunControl& quit) {
-        test::ReceiveSome(fd, quit);
-        test::SendBytes(fd, QByteArray(20000, 'x'));
-        quit.WaitForStop(500);
-    });
-    EXPECT_TRUE(FailureOfRun(server.Port(), "x").startsWith("TCP: Die Antwort ist länger als 4096 Bytes"));
-}
-
-TEST_F(TcpCommandTest, PortTexts)
-{
-    EXPECT_EQ(TcpPort("5000"), 5000);
-    EXPECT_EQ(TcpPort(" 80 "), 80);
-    EXPECT_EQ(TcpPort("65535"), 65535);
-    EXPECT_EQ(TcpPort("5000.0"), 5000);
-    for (const QString bad : {"0", "65536", "-1", "1.5", "abc", ""}) {
-        try {
-            TcpPort(bad);
-            ADD_FAILURE() << "port " << bad.toStdString() << " must fail";
-        } catch (const TDravikException& e) {
-            EXPECT_TRUE(e.Message().contains("Ungültiger Port \"" + bad + "\"")) << e.what();
-        }
-    }
-}
-
-TEST_F(TcpCommandTest, TheEchoServerAnswersWithTheSameText)
-{
-    const int port = test::FreeLoopbackPort();
-    QProcess echo;
-    echo.start(QStringLiteral(DV_PIPE_ECHO), {"--tcp", QString::number(port), "--exit-after", "20"});
-    ASSERT_TRUE(echo.waitForReadyRead(5000)) << "dvpipe-echo did not start";
-    ASSERT_EQ(echo.readLine().trimmed(), "ready");
-    Run(port, "PING");
-    EXPECT_EQ(host.ValueText("Antwort"), "PING");
-    echo.terminate();
-    EXPECT_TRUE(echo.waitForFinished(5000));
-}
-
-TEST(IpcCatalogueTest, BothCommandsAreAvailableAsThreadCommands)
-{
-    for (const char* commandClass : {"TDVCmdCallNamedPipe", "TDVCmdTCP"}) {
-        auto command = CreateCommand(commandClass, nullptr);
-        ASSERT_NE(command, nullptr) << commandClass;
-        EXPECT_NE(dynamic_cast<TDVThreadRunEdit*>(command.get()), nullptr) << commandClass;
-        EXPECT_EQ(dynamic_cast<TDVFuncRunEdit*>(command.get()), nullptr) << commandClass;
-    }
-    // The signature's default reaches a call that leaves Sentinel out, and means a line feed.
-    TDVCmdTCP tcp(nullptr);
-    TParamList params;
-    tcp.AddDefaults(params);
-    EXPECT_EQ(tcpclient::SentinelText(params.GetString("Sentinel")), "\n");
+    TStopLater stopper(host.runControl, 150);
+    EXPECT_EQ(Run(server.port, "x", "\n"), "line\r");
+    EXPECT_LT(stopper.MsSinceSignal(), 100);
 }
 
 }  // namespace
