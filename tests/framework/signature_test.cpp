@@ -19,6 +19,26 @@ TEST(SignatureTest, EveryCatalogueLiteralParses)
     }
 }
 
+TEST(SignatureTest, LiteralsKeepTheirIrregularSpelling)
+{
+    const std::pair<const char*, const char*> rows[] = {
+        {"StringBearbeitung", "Separator : string = ;Search : string = ; Input"},
+        {"StringBearbeitung", "Count : Boolean = );"},
+        {"OpenSaveDlg", "Extension : string =  );"},
+        {"MeldungsBox", "YPos : Number)"},
+        {"StrToArray", "(str : string; var arr : array of misc);"},
+        {"NumberConvert", "Input : misc;"},
+        {"TextOut", "Text : Misc; Font : string = \"\";"},
+        {"IniFile", "Ident : string = \"\" ; Value"},
+        {"TCP", "Sentinel: String = [10];"},
+        {"SysUtils", "Target : string =);"},
+    };
+    for (const auto& [procedure, fragment] : rows) {
+        EXPECT_TRUE(QString(FindProcedure(procedure)->signature).contains(fragment)) << procedure << ": " << fragment;
+    }
+    EXPECT_FALSE(QString(FindProcedure("MeldungsBox")->signature).endsWith(';'));
+}
+
 TEST(SignatureTest, IrregularDefaultsAreRead)
 {
     struct Row {
