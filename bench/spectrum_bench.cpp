@@ -147,9 +147,9 @@ std::map<std::string, double> ScipyMicros()
 {
     std::string command = std::string("/usr/bin/python3 ") + DV_BENCH_DIR + "/sosfilt_timing.py " + std::to_string(kFilterSamples);
     for (const TFilterCase& c : kFilters) {
-        char spec[128];
-        std::snprintf(spec, sizeof spec, " %s:%d:%g:%g:%g", c.response, c.order, c.f1, c.f2, c.rate);
-        command += spec;
+        char filterArg[128];
+        std::snprintf(filterArg, sizeof filterArg, " %s:%d:%g:%g:%g", c.response, c.order, c.f1, c.f2, c.rate);
+        command += filterArg;
     }
     std::map<std::string, double> result;
     std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command.c_str(), "r"), pclose);
