@@ -20,13 +20,13 @@ QString Format(const QString& pattern, const QStringList& args)
     for (qsizetype i = 0; i < pattern.size(); ++i) {
         const QChar c = pattern[i];
         if (c == '%' && i + 1 < pattern.size()) {
-            const QChar spec = pattern[i + 1];
-            if (spec == '%') {
+            const QChar conversion = pattern[i + 1];
+            if (conversion == '%') {
                 out += '%';
                 ++i;
                 continue;
             }
-            if (spec == 's' || spec == 'd') {
+            if (conversion == 's' || conversion == 'd') {
                 if (next < args.size()) out += args[next];
                 ++next;
                 ++i;
