@@ -4,6 +4,9 @@
 #include "framework/translate.h"
 #include "host/scriptparser.h"
 
+#include <QApplication>
+#include <QCompleter>
+#include <QLineEdit>
 #include <QRegularExpression>
 
 namespace dv::host {
@@ -121,7 +124,17 @@ void THost::SetVariable(const QString& name, TValuePtr value)
     array.SetVal(m.captured(2).toInt(), ToValue(Coerce(FromValue(*value), elementType)));
 }
 
-void THost::AttachVariableEditor(QObject*) {}
+void THost::AttachVariableEditor(QObject* control)
+{
+    // Only a dialog's line edit can offer names; without a GUI there is nothing to attach to.
+    auto* edit = qobject_cast<QLineEdit*>(control);
+    if (!edit || !qobject_cast<QApplication*>(QCoreApplication::instance())) return;
+    QStringList names;
+    for (int slot = 0; slot < program_.globals.Size(); ++slot) names << program_.globals.Symbol(slot).name;
+    auto* completer = new QCompleter(names, edit);
+    completer->setCaseSensitivity(Qt::CaseInsensitive);
+    edit->setCompleter(completer);
+}
 
 TDVVariable* THost::FindVariable(const QString& name) { return Lookup(name.trimmed()); }
 
