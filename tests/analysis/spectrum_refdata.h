@@ -1,7 +1,6 @@
 #pragma once
-// What the spectrum and filter tests share: the reference vectors that make_spectrum_refs.py
-// writes (blocks of "case NAME key=value ..." followed by numbers and "end"), test tones, and a
-// fixture around the scope's curve store and the spectrum engine.
+// Shared by the spectrum and filter tests: the cases make_spectrum_refs.py writes ("case NAME key=value
+// ..." lines, numbers, "end"), test tones, and a fixture resetting the curve store and the FFT engine.
 #include "analysis/_fft.h"
 #include "analysis/curvestore.h"
 
@@ -36,39 +35,33 @@ inline std::vector<TSpectrumCase> LoadSpectrumCases(const std::string& file)
     std::vector<double> input;
     for (std::string line, word; std::getline(in, line);) {
         std::istringstream words(line);
-        words >> word;
-        if (word == "case") {
-            if (!cases.empty() && cases.back().name == "input") {
-                input = std::move(cases.back().values);
-                cases.pop_back();
-            }
-            TSpectrumCase& c = cases.emplace_back();
-            c.header = line;
-            c.input = input;
-            words >> c.name;
-            while (words >> word) c.params[word.substr(0, word.find('='))] = word.substr(word.find('=') + 1);
-        } else if (!cases.empty() && word != "end") {
-            std::istringstream numbers(line);
-            for (double v = 0; numbers >> v;) cases.back().values.push_back(v);
+        if (!(words >> word) || word != "case") {
+            std::istringstream numbers(line);  // "end" and the comments above the first case read no number
+            for (double v = 0; !cases.empty() && numbers >> v;) cases.back().values.push_back(v);
+            continue;
         }
+        if (!cases.empty() && cases.back().name == "input") input = cases.back().values;
+        TSpectrumCase& c = cases.emplace_back();
+        c.header = line;
+        c.input = input;
+        words >> c.name;
+        while (words >> word) c.params[word.substr(0, word.find('='))] = word.substr(word.find('=') + 1);
     }
+    std::erase_if(cases, [](const TSpectrumCase& c) { return c.name == "input"; });
+    if (cases.empty()) ADD_FAILURE() << "no cases in " << file;
     return cases;
 }
 
-// Sines (line, amplitude) over a period of n samples, each a little later in phase than the one
-// before, on a DC level; count samples (n when 0).
+// Sines (line, amplitude) over a period of n samples on a DC level; count samples (n when 0).
 inline std::vector<double> Tones(double n, const std::vector<std::pair<double, double>>& tones, double dc = 0, std::size_t count = 0)
 {
     std::vector<double> x(count > 0 ? count : static_cast<std::size_t>(n), dc);
-    for (std::size_t h = 0; h < tones.size(); ++h) {
-        const auto [line, amplitude] = tones[h];
-        for (std::size_t i = 0; i < x.size(); ++i) x[i] += amplitude * std::sin(2 * std::numbers::pi * line * static_cast<double>(i) / n + 0.3 * static_cast<double>(h));
+    for (const auto& [line, amplitude] : tones) {
+        for (std::size_t i = 0; i < x.size(); ++i) x[i] += amplitude * std::sin(2 * std::numbers::pi * line * static_cast<double>(i) / n);
     }
     return x;
 }
 
-// Resets around every test what the scope functions share: curves, clip, crosses, settings and
-// the spectrum engine's state (its buffers are static, so they stay in place).
 class ScopeCurveTest : public ::testing::Test {
 protected:
     void SetUp() override
@@ -81,16 +74,15 @@ protected:
         FFTReal = 0;
         FFTWindow = 0;
         SuchBreite = 3;
-        FFTGetMem();
+        FFTGetMem();  // static buffers: they may stay in place
     }
     void TearDown() override { SetUp(); }
 
-    // Curve 1 from samples taken at the given rate, times in seconds.
     static void SetCurve(const std::vector<double>& y, double rate)
     {
         std::vector<double> x(y.size());
         for (std::size_t i = 0; i < x.size(); ++i) x[i] = static_cast<double>(i) / rate;
-        ScopeStore().Assign(1, x, y);
+        ScopeStore().Assign(1, x, y);  // curve 1, times in seconds
     }
 };
 
