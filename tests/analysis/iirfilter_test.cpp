@@ -1,8 +1,10 @@
 #include "analysis/iirfilter.h"
 
+#include "analysis/curvefunctions_filters.h"
 #include "framework/exceptions.h"
 #include "tests/analysis/spectrum_refdata.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <liquid/liquid.h>
 
@@ -10,97 +12,50 @@
 #include <cmath>
 #include <limits>
 #include <numbers>
+#include <tuple>
 #include <vector>
 
 namespace dv::analysis {
 namespace {
 
-using test::NearScaled;
+using ::testing::HasSubstr;
+using ::testing::ThrowsMessage;
 
-TFilterResponse ResponseNamed(const std::string& name)
-{
-    if (name == "lowpass") return TFilterResponse::LowPass;
-    if (name == "highpass") return TFilterResponse::HighPass;
-    return TFilterResponse::BandPass;
-}
+// The scope numbers its responses as the IIR design library numbers its band types.
+static_assert(static_cast<int>(TFilterResponse::LowPass) == 0 && static_cast<int>(TFilterResponse::HighPass) == 1 && static_cast<int>(TFilterResponse::BandPass) == 2);
+static_assert(LIQUID_IIRDES_LOWPASS == 0 && LIQUID_IIRDES_HIGHPASS == 1 && LIQUID_IIRDES_BANDPASS == 2);
 
-double LargestMagnitude(const std::vector<double>& v)
+// liquid's own filter of the same prototype, in float. Low and high pass take fc = f / rate; the
+// band pass its lower edge and the centre f0 with cos(2 pi f0) = cos(pi (f1 + f2) / rate) / cos(pi (f2 - f1) / rate).
+std::vector<double> LiquidFilter(TFilterResponse response, int order, double f1, double f2, double rate, const std::vector<double>& input)
 {
-    double m = 0;
-    for (double x : v) m = std::max(m, std::abs(x));
-    return m;
-}
-
-TEST(ButterworthTest, MatchesScipyButterSosfiltForOrdersOneToEight)
-{
-    const std::vector<test::TSpectrumCase> cases = test::LoadSpectrumCases("butterworth.txt");
-    ASSERT_FALSE(cases.empty());
-    const std::vector<double>& input = cases.front().values;
-    int checked = 0;
-    for (const test::TSpectrumCase& c : cases) {
-        if (c.name == "input") continue;
-        const TSosCascade cascade =
-            DesignButterworth(ResponseNamed(c.name), c.Int("order"), c.Number("f1"), c.Number("f2"), c.Number("rate"));
-        std::vector<double> output(input.size());
-        RunCascade(cascade, input, output);
-        // 1e-6 of the output's largest magnitude: near zero crossings a per-sample relative error
-        // means nothing, and both sides run in double, so any real design fault is far above it.
-        const double scale = LargestMagnitude(c.values);
-        for (std::size_t i = 0; i < input.size(); ++i) {
-            ASSERT_TRUE(NearScaled(output[i], c.values[i], scale, 1e-6)) << c.Describe() << " sample " << i;
-        }
-        ++checked;
-    }
-    EXPECT_EQ(checked, 48);
-}
-
-// liquid's own filter of the same prototype: low and high pass take fc = f / rate; the band pass
-// takes its lower edge as fc and its centre f0 from cos(2 pi f0) = cos(pi (f1 + f2) / rate) /
-// cos(pi (f2 - f1) / rate).
-std::vector<double> LiquidFilter(TFilterResponse response, int order, double f1, double f2, double rate,
-                                 const std::vector<double>& input)
-{
-    float centre = 0;
-    if (response == TFilterResponse::BandPass) {
-        const double c = std::cos(std::numbers::pi * (f1 + f2) / rate) / std::cos(std::numbers::pi * (f2 - f1) / rate);
-        centre = static_cast<float>(std::acos(c) / (2 * std::numbers::pi));
-    }
-    iirfilt_rrrf filter = iirfilt_rrrf_create_prototype(
-        LIQUID_IIRDES_BUTTER, static_cast<liquid_iirdes_bandtype>(response), LIQUID_IIRDES_SOS,
-        static_cast<unsigned>(order), static_cast<float>(f1 / rate), centre, 1.0f, 60.0f);
-    std::vector<double> output;
-    for (double x : input) {
-        float y = 0;
-        iirfilt_rrrf_execute(filter, static_cast<float>(x), &y);
-        output.push_back(y);
-    }
+    const double c = std::cos(std::numbers::pi * (f1 + f2) / rate) / std::cos(std::numbers::pi * (f2 - f1) / rate);
+    const float centre = response == TFilterResponse::BandPass ? static_cast<float>(std::acos(c) / (2 * std::numbers::pi)) : 0.0f;
+    iirfilt_rrrf filter = iirfilt_rrrf_create_prototype(LIQUID_IIRDES_BUTTER, static_cast<liquid_iirdes_bandtype>(response), LIQUID_IIRDES_SOS,
+                                                        static_cast<unsigned>(order), static_cast<float>(f1 / rate), centre, 1.0f, 60.0f);
+    std::vector<float> x(input.begin(), input.end()), y(input.size());
+    iirfilt_rrrf_execute_block(filter, x.data(), static_cast<unsigned>(x.size()), y.data());
     iirfilt_rrrf_destroy(filter);
-    return output;
+    return {y.begin(), y.end()};
 }
 
-TEST(ButterworthTest, SameFilterAsLiquidsPrototypeWithinItsSinglePrecision)
+TEST(ButterworthTest, MatchesScipyButterSosfiltAndLiquidsFilterForOrdersOneToEight)
 {
-    const std::vector<double> input = test::LoadSpectrumCases("butterworth.txt").front().values;
-    struct Row {
-        TFilterResponse response;
-        double f1, f2, rate;
-    };
-    const Row rows[] = {
-        {TFilterResponse::LowPass, 100, 0, 1000},      {TFilterResponse::HighPass, 300, 0, 48000},
-        {TFilterResponse::BandPass, 100, 200, 1000},  {TFilterResponse::BandPass, 300, 3400, 48000},
-    };
-    for (const Row& r : rows) {
-        for (int order = 1; order <= 8; ++order) {
-            std::vector<double> ours(input.size());
-            RunCascade(DesignButterworth(r.response, order, r.f1, r.f2, r.rate), input, ours);
-            const std::vector<double> theirs = LiquidFilter(r.response, order, r.f1, r.f2, r.rate, input);
-            // liquid designs and filters in float: its coefficients carry 1e-7 relative error,
-            // which the poles near the unit circle amplify to some 1e-5 of the output.
-            const double scale = LargestMagnitude(ours);
-            for (std::size_t i = 0; i < input.size(); ++i) {
-                ASSERT_TRUE(NearScaled(ours[i], theirs[i], scale, 5e-4))
-                    << "response " << static_cast<int>(r.response) << " order " << order << " sample " << i;
-            }
+    const std::map<std::string, TFilterResponse> responses = {
+        {"lowpass", TFilterResponse::LowPass}, {"highpass", TFilterResponse::HighPass}, {"bandpass", TFilterResponse::BandPass}};
+    for (const test::TSpectrumCase& c : test::LoadSpectrumCases("butterworth.txt")) {
+        const TFilterResponse response = responses.at(c.name);
+        const int order = c.Int("order");
+        const double f1 = c.Number("f1"), f2 = c.Number("f2"), rate = c.Number("rate");
+        std::vector<double> ours(c.input.size());
+        RunCascade(DesignButterworth(response, order, f1, f2, rate), c.input, ours);
+        const std::vector<double> liquids = LiquidFilter(response, order, f1, f2, rate, c.input);
+        // Relative to the largest output: scipy runs in double, so any real design fault lies far
+        // above 1e-6; liquid's float coefficients err by 1e-7, which poles near the unit circle amplify.
+        const double largest = std::abs(std::ranges::max(c.values, {}, [](double v) { return std::abs(v); }));
+        for (std::size_t i = 0; i < c.values.size(); ++i) {
+            ASSERT_NEAR(ours[i], c.values[i], 1e-6 * largest) << c.header << " sample " << i;
+            ASSERT_NEAR(ours[i], liquids[i], 5e-4 * largest) << c.header << " sample " << i << " against liquid";
         }
     }
 }
@@ -108,49 +63,48 @@ TEST(ButterworthTest, SameFilterAsLiquidsPrototypeWithinItsSinglePrecision)
 TEST(ButterworthTest, InvalidArgumentsAreNamedInTheMessage)
 {
     const double nan = std::numeric_limits<double>::quiet_NaN();
-    struct Row {
-        TFilterResponse response;
-        int order;
-        double f1, f2, rate;
-        const char* mentions;
-    };
-    const Row rows[] = {
-        {TFilterResponse::LowPass, 0, 100, 0, 1000, "Filterordnung 0"},
-        {TFilterResponse::LowPass, 17, 100, 0, 1000, "Filterordnung 17"},
-        {TFilterResponse::HighPass, -2, 100, 0, 1000, "Filterordnung -2"},
-        {TFilterResponse::LowPass, 2, 100, 0, 0, "Abtastrate 0"},
-        {TFilterResponse::LowPass, 2, 100, 0, -5, "Abtastrate -5"},
-        {TFilterResponse::LowPass, 2, 100, 0, nan, "Abtastrate nan"},
-        {TFilterResponse::LowPass, 2, 0, 0, 1000, "Grenzfrequenz 0 "},
-        {TFilterResponse::HighPass, 2, -10, 0, 1000, "Grenzfrequenz -10 "},
-        {TFilterResponse::LowPass, 2, 500, 0, 1000, "Grenzfrequenz 500 "},
-        {TFilterResponse::LowPass, 2, nan, 0, 1000, "Grenzfrequenz nan "},
-        {TFilterResponse::BandPass, 2, 100, 500, 1000, "Grenzfrequenz 500 "},
-        {TFilterResponse::BandPass, 2, 200, 100, 1000, "Untere Grenzfrequenz 200"},
-        {TFilterResponse::BandPass, 2, 150, 150, 1000, "Untere Grenzfrequenz 150"},
-    };
-    for (const Row& r : rows) {
-        try {
-            DesignButterworth(r.response, r.order, r.f1, r.f2, r.rate);
-            ADD_FAILURE() << "no error for " << r.mentions;
-        } catch (const TDravikException& e) {
-            EXPECT_TRUE(e.Message().contains(QString::fromUtf8(r.mentions))) << e.Message().toStdString();
-        }
+    using enum TFilterResponse;
+    const std::pair<std::tuple<TFilterResponse, int, double, double, double>, const char*> rows[] = {
+        {{LowPass, 0, 100, 0, 1000}, "Filterordnung 0"},       {{HighPass, 17, 100, 0, 1000}, "Filterordnung 17"},
+        {{LowPass, 2, 100, 0, 0}, "Abtastrate 0"},             {{LowPass, 2, 100, 0, nan}, "Abtastrate nan"},
+        {{HighPass, 2, -10, 0, 1000}, "Grenzfrequenz -10 "},   {{LowPass, 2, 500, 0, 1000}, "Grenzfrequenz 500 "},
+        {{LowPass, 2, nan, 0, 1000}, "Grenzfrequenz nan "},    {{BandPass, 2, 100, 500, 1000}, "Grenzfrequenz 500 "},
+        {{BandPass, 2, 200, 100, 1000}, "Untere Grenzfrequenz 200"}, {{BandPass, 2, 150, 150, 1000}, "Untere Grenzfrequenz 150"}};
+    for (const auto& [arguments, mentions] : rows) {
+        EXPECT_THAT([&arguments] { std::apply(DesignButterworth, arguments); }, ThrowsMessage<TDravikException>(HasSubstr(mentions)));
     }
 }
 
-TEST(ButterworthTest, HighestOrderBandPassFillsEverySection)
+class FilterCurveTest : public test::ScopeCurveTest {};  // the scope's filters over curve 1
+
+TEST_F(FilterCurveTest, EachResponseFiltersTheZoomedRangeFromRestAndLeavesTheCurve)
 {
-    const TSosCascade cascade = DesignButterworth(TFilterResponse::BandPass, kMaxFilterOrder, 10, 400, 1000);
-    EXPECT_EQ(cascade.count, kMaxFilterOrder);
-    // Unit gain at the centre: a long sine there comes out at its own amplitude.
-    const double centre = std::acos(std::cos(std::numbers::pi * 410 / 1000) / std::cos(std::numbers::pi * 390 / 1000)) / (2 * std::numbers::pi) * 1000;
-    std::vector<double> x(20000);
-    for (std::size_t i = 0; i < x.size(); ++i) x[i] = std::sin(2 * std::numbers::pi * centre * static_cast<double>(i) / 1000);
-    std::vector<double> y(x.size());
-    RunCascade(cascade, x, y);
-    const double settled = LargestMagnitude(std::vector<double>(y.end() - 2000, y.end()));
-    EXPECT_NEAR(settled, 1.0, 1e-3);
+    const std::vector<double> y = test::Tones(1000, {{30, 1.0}}, 1.0, 500);  // 30 Hz on a DC level, at 1 kHz
+    SetCurve(y, 1000);
+    ScopeStore().SetClip("0,1", "0.3");  // samples 100 .. 300
+    const std::tuple<const char*, std::vector<double>, TSosCascade> rows[] = {
+        {"low", FuncLowPass(1, 50, 1000, 4), DesignButterworth(TFilterResponse::LowPass, 4, 50, 0, 1000)},
+        {"high", FuncHighPass(1, 50, 1000, 4), DesignButterworth(TFilterResponse::HighPass, 4, 50, 0, 1000)},
+        {"band", FuncBandPass(1, 20, 80, 1000, 4), DesignButterworth(TFilterResponse::BandPass, 4, 20, 80, 1000)}};
+    for (const auto& [name, result, cascade] : rows) {
+        std::vector<double> expected(201);
+        RunCascade(cascade, std::span(y).subspan(100, 201), expected);
+        EXPECT_EQ(result, expected) << name;
+    }
+    EXPECT_TRUE(std::ranges::equal(ScopeStore().Y(1), y));
+}
+
+TEST_F(FilterCurveTest, RateAboveOneMillionIsScaledDownAndBadArgumentsAreNamed)
+{
+    SetCurve(test::Tones(1000, {{30, 1.0}}, 1.0, 300), 1000);
+    EXPECT_EQ(FuncLowPass(1, 10000, 2000000, 3), FuncLowPass(1, 10, 2000, 3));
+    EXPECT_EQ(FuncBandPass(1, 20000, 90000, 2000000, 2), FuncBandPass(1, 20, 90, 2000, 2));
+    // Below the limit nothing is scaled, so a cut-off the design refuses stays refused.
+    EXPECT_THAT([] { FuncHighPass(1, 600000, 1000000, 2); }, ThrowsMessage<TDravikException>(HasSubstr("Grenzfrequenz 600000")));
+    EXPECT_NO_THROW(FuncHighPass(1, 600000, 2000000, 2));
+    EXPECT_TRUE(FuncHighPass(2, 50, 1000, 2).empty());
+    EXPECT_THAT([] { FuncLowPass(9, 50, 1000, 2); }, ThrowsMessage<TDravikException>(HasSubstr("Kurvennummer 9")));
+    EXPECT_THAT([] { FuncBandPass(1, 50, 60, 1000, 0); }, ThrowsMessage<TDravikException>(HasSubstr("Filterordnung 0")));
 }
 
 }  // namespace
