@@ -1,8 +1,11 @@
 #include "framework/runedit.h"
 
+#include "framework/catalogue.h"
 #include "framework/editorform.h"
 #include "framework/exceptions.h"
 #include "framework/translate.h"
+
+#include <stdexcept>
 
 namespace dv {
 
@@ -35,6 +38,21 @@ TDVThreadRunEdit::TDVThreadRunEdit(QString signature, QString formClass, TDVPars
       parser_(parser)
 {
     for (const TDVParamDecl& p : signature_.params) boundFields_.emplace_back(p.name, QString());
+}
+
+namespace {
+const TCatalogueRow& RowOf(const char* commandClass)
+{
+    const TCatalogueRow* row = FindCommandClass(QLatin1String(commandClass));
+    if (!row) throw std::logic_error(std::string("not in the catalogue: ") + commandClass);
+    return *row;
+}
+}  // namespace
+
+TDVThreadRunEdit::TDVThreadRunEdit(const char* commandClass, TDVParser* parser)
+    : TDVThreadRunEdit(QString::fromLatin1(RowOf(commandClass).signature), QString::fromLatin1(RowOf(commandClass).dialogClass),
+                       parser)
+{
 }
 
 TDVThreadRunEdit::~TDVThreadRunEdit() = default;

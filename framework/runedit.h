@@ -55,6 +55,8 @@ private:
 class TDVThreadRunEdit : public TDVRunEdit {
 public:
     TDVThreadRunEdit(QString signature, QString formClass, TDVParser* parser);
+    // The signature and dialog the catalogue lists for commandClass.
+    TDVThreadRunEdit(const char* commandClass, TDVParser* parser);
     ~TDVThreadRunEdit() override;
 
     using TDVRunEdit::GetDescription;
@@ -120,6 +122,22 @@ public:
     // 19: the editor's test button: runs the body on the current fields and returns the outcome
     // text shown as "Ergebnis = %s"; empty when the command has none.
     virtual QString OnEditorTest();
+};
+
+// A command whose parameter texts are one value struct: Fields() reads it, SetFields() commits a
+// dialog's edited copy in one call, SetDefaults() resets it.
+template <class Base, class FieldStruct>
+class TDVFieldsCommand : public Base {
+public:
+    using TFields = FieldStruct;
+    using Base::Base;
+
+    const TFields& Fields() const { return fields_; }
+    void SetFields(const TFields& fields) { fields_ = fields; }
+    void SetDefaults() override { fields_ = TFields{}; }
+
+protected:
+    TFields fields_{};
 };
 
 }  // namespace dv

@@ -1,6 +1,5 @@
 #include "commands/dialogs/gui_textout.h"
 
-#include "framework/catalogue.h"
 #include "framework/dvtools.h"
 #include "framework/intconvert.h"
 #include "framework/services.h"
@@ -19,8 +18,6 @@ constexpr std::array<TFontStyleRow, 4> kFontStyles{{
     {TFontStyle::StrikeOut, "STRIKEOUT", "Strikeout ", 8},
 }};
 static_assert(kFontStyles.size() == static_cast<std::size_t>(TFontStyle::Count));
-
-const TCatalogueRow& Row() { return *FindCommandClass(QStringLiteral("TDVCmdTextOut")); }
 
 QString Quoted(const QString& text) { return '"' + text + '"'; }
 
@@ -52,7 +49,7 @@ QString BuildStyleText(bool bold, bool italic, bool underline, bool strikeOut)
 }
 
 TDVCmdTextOut::TDVCmdTextOut(TDVParser* parser)
-    : TDVFuncRunEdit(QString::fromUtf8(Row().signature), QString::fromUtf8(Row().dialogClass), parser)
+    : TDVFieldsCommand("TDVCmdTextOut", parser)
 {
 }
 

@@ -23,33 +23,26 @@ int StyleBits(const QString& styleText);
 // its trailing blank, joined by " + " (bold and italic give "Italic  + bold ").
 QString BuildStyleText(bool bold, bool italic, bool underline, bool strikeOut);
 
-class TDVCmdTextOut : public TDVFuncRunEdit {
-public:
-    struct TFields {
-        QString text;
-        QString font;  // empty: the host's default font
-        QString size = QStringLiteral("10");
-        QString colour = QStringLiteral("0");  // colour number, 0x00BBGGRR
-        QString style;
-        bool formFeed = false;  // kept and written back; the output ignores it
-        bool operator==(const TFields&) const = default;
-    };
+struct TDVCmdTextOutFields {
+    QString text;
+    QString font;  // empty: the host's default font
+    QString size = QStringLiteral("10");
+    QString colour = QStringLiteral("0");  // colour number, 0x00BBGGRR
+    QString style;
+    bool formFeed = false;  // kept and written back; the output ignores it
+    bool operator==(const TDVCmdTextOutFields&) const = default;
+};
 
+class TDVCmdTextOut : public TDVFieldsCommand<TDVFuncRunEdit, TDVCmdTextOutFields> {
+public:
     explicit TDVCmdTextOut(TDVParser* parser);
 
-    const TFields& Fields() const { return fields_; }
-    void SetFields(const TFields& fields) { fields_ = fields; }
-
-    void SetDefaults() override { fields_ = TFields{}; }
     void SetParams(const TParamList& params) override;
     void ReadParams(TParamList& params) override;
     bool DecodeScript(const QString& script, TParamList& params, TDVScriptImporter* importer) override;
     QStringList OlderNames() const override { return {QStringLiteral("TextOut")}; }
     QString GetDescription(const QString& name, const TParamList& params) override;
     void Run(TParamList& params) override;
-
-private:
-    TFields fields_;
 };
 
 }  // namespace dv

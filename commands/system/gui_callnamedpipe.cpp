@@ -1,6 +1,5 @@
 #include "commands/system/gui_callnamedpipe.h"
 
-#include "framework/catalogue.h"
 #include "framework/services.h"
 #include "framework/typeconversion.h"
 
@@ -13,8 +12,7 @@ const QString kResult = QStringLiteral("Result");
 }  // namespace
 
 TDVCmdCallNamedPipe::TDVCmdCallNamedPipe(TDVParser* parser)
-    : TDVThreadRunEdit(QString::fromLatin1(FindCommandClass(QStringLiteral("TDVCmdCallNamedPipe"))->signature),
-                       QStringLiteral("TFormCallNamedPipe"), parser)
+    : TDVThreadRunEdit("TDVCmdCallNamedPipe", parser)
 {
 }
 

@@ -105,7 +105,7 @@ QString ExecCommandLine(const QString& exePath, const QString& params)
     return params.isEmpty() ? exePath : exePath + ' ' + params;
 }
 
-TDVCmdStartEXE::TDVCmdStartEXE(TDVParser* parser) : TDVThreadRunEdit(kSignature, QStringLiteral("TStartEXE"), parser) {}
+TDVCmdStartEXE::TDVCmdStartEXE(TDVParser* parser) : TDVFieldsCommand("TDVCmdStartEXE", parser) {}
 
 std::int32_t TDVCmdStartEXE::LastResult() { return g_lastResult.load(); }
 

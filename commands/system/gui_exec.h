@@ -18,29 +18,26 @@ QString ExecDefaultWorkDir(const QString& exePath);
 // ExePath, and " " + Params when Params is not empty.
 QString ExecCommandLine(const QString& exePath, const QString& params);
 
-class TDVCmdStartEXE : public TDVThreadRunEdit {
+// The editor's view of a call: Delay is folded into a whole number of seconds.
+struct TDVCmdStartEXEFields {
+    QString exePath;
+    QString params;
+    QString workDir;
+    QString returnVar;
+    bool waitForExit = false;
+    int timeOut = 0;  // seconds, -1 to 32000
+    bool hide = false;
+    bool minimized = false;
+    bool kill = false;
+    bool operator==(const TDVCmdStartEXEFields&) const = default;
+};
+
+class TDVCmdStartEXE : public TDVFieldsCommand<TDVThreadRunEdit, TDVCmdStartEXEFields> {
 public:
-    static constexpr const char* kSignature =
-        "procedure Exec(ExePath : string; Params : string = ; WorkDir : string = ; var Return : Number = ; TimeOut : Number = 0; Hide : Boolean = False; Delay : Number = 0; Minimized : Boolean = False; Kill : Boolean = False);";
-
-    // The editor's view of a call: Delay is folded into a whole number of seconds.
-    struct TFields {
-        QString exePath;
-        QString params;
-        QString workDir;
-        QString returnVar;
-        bool waitForExit = false;
-        int timeOut = 0;  // seconds, -1 to 32000
-        bool hide = false;
-        bool minimized = false;
-        bool kill = false;
-        bool operator==(const TFields&) const = default;
-    };
-
     explicit TDVCmdStartEXE(TDVParser* parser);
 
-    const TFields& Fields() const { return fields_; }
-    void SetFields(const TFields& fields) { fields_ = fields; }
+    // A new call starts from the texts of the last one edited.
+    void SetDefaults() override {}
 
     void SetParams(const TParamList& params) override;
     void ReadParams(TParamList& params) override;
@@ -52,9 +49,6 @@ public:
     QString OnEditorTest();
     // The result of the last run in this process.
     static std::int32_t LastResult();
-
-private:
-    TFields fields_;
 };
 
 }  // namespace dv

@@ -78,7 +78,7 @@ const TIniModeRow* FindIniMode(int mode)
     return nullptr;
 }
 
-TDVCmdIniFiles::TDVCmdIniFiles(TDVParser* parser) : TDVFuncRunEdit(kSignature, QStringLiteral("TIni_Files"), parser) {}
+TDVCmdIniFiles::TDVCmdIniFiles(TDVParser* parser) : TDVFieldsCommand("TDVCmdIniFiles", parser) {}
 
 void TDVCmdIniFiles::SetDefaults() { fields_ = {}; }
 

@@ -51,25 +51,19 @@ static_assert(kIniModes.size() == static_cast<std::size_t>(TIniMode::IdentExist)
 // The row of a mode number; nullptr for 0 and 15 and up.
 const TIniModeRow* FindIniMode(int mode);
 
-class TDVCmdIniFiles : public TDVFuncRunEdit {
+struct TDVCmdIniFilesFields {
+    QString fileName;
+    QString section;
+    QString ident;
+    QString value;
+    QString result;
+    std::uint8_t mode = 0;
+    bool operator==(const TDVCmdIniFilesFields&) const = default;
+};
+
+class TDVCmdIniFiles : public TDVFieldsCommand<TDVFuncRunEdit, TDVCmdIniFilesFields> {
 public:
-    static constexpr const char* kSignature =
-        "procedure IniFile(FileName : string; Section : string; Ident : string = \"\" ; Value : string = \"\"; var Result : Misc = ; Mode : Number);";
-
-    struct TFields {
-        QString fileName;
-        QString section;
-        QString ident;
-        QString value;
-        QString result;
-        std::uint8_t mode = 0;
-        bool operator==(const TFields&) const = default;
-    };
-
     explicit TDVCmdIniFiles(TDVParser* parser);
-
-    const TFields& Fields() const { return fields_; }
-    void SetFields(const TFields& fields) { fields_ = fields; }
 
     void SetDefaults() override;
     void SetParams(const TParamList& params) override;
@@ -81,7 +75,6 @@ public:
 private:
     // The body on the current fields.
     void Start();
-    TFields fields_;
 };
 
 }  // namespace dv

@@ -46,7 +46,7 @@ double DaysSince1899(const QDateTime& local)
 QString ExtractFilePath(const QString& fileName) { return fileName.left(fileName.lastIndexOf('/') + 1); }
 
 TDVCmdSystemUtilities::TDVCmdSystemUtilities(TDVParser* parser)
-    : TDVFuncRunEdit(kSignature, QStringLiteral("TSystemUtilities"), parser)
+    : TDVFieldsCommand("TDVCmdSystemUtilities", parser)
 {
 }
 

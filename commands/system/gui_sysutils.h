@@ -67,22 +67,16 @@ double DaysSince1899(const QDateTime& local);
 // The path part of a file name: up to and including the last '/'.
 QString ExtractFilePath(const QString& fileName);
 
-class TDVCmdSystemUtilities : public TDVFuncRunEdit {
+struct TDVCmdSystemUtilitiesFields {
+    TSysUtilSubcommand command = TSysUtilSubcommand::FileExist;
+    QString fileName;
+    QString second;  // copy target for FileCopy, the result variable otherwise
+    bool operator==(const TDVCmdSystemUtilitiesFields&) const = default;
+};
+
+class TDVCmdSystemUtilities : public TDVFieldsCommand<TDVFuncRunEdit, TDVCmdSystemUtilitiesFields> {
 public:
-    static constexpr const char* kSignature =
-        "procedure SysUtils(Command : String; FileName : string; var Result : Misc = ; Target : string =);";
-
-    struct TFields {
-        TSysUtilSubcommand command = TSysUtilSubcommand::FileExist;
-        QString fileName;
-        QString second;  // copy target for FileCopy, the result variable otherwise
-        bool operator==(const TFields&) const = default;
-    };
-
     explicit TDVCmdSystemUtilities(TDVParser* parser);
-
-    const TFields& Fields() const { return fields_; }
-    void SetFields(const TFields& fields) { fields_ = fields; }
 
     void SetDefaults() override;
     void SetParams(const TParamList& params) override;
@@ -93,7 +87,6 @@ public:
 
 private:
     void Start();
-    TFields fields_;
 };
 
 }  // namespace dv

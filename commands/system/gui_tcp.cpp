@@ -1,6 +1,5 @@
 #include "commands/system/gui_tcp.h"
 
-#include "framework/catalogue.h"
 #include "framework/dvtools.h"
 #include "framework/exceptions.h"
 #include "framework/services.h"
@@ -19,8 +18,7 @@ const QString kResult = QStringLiteral("Result");
 }  // namespace
 
 TDVCmdTCP::TDVCmdTCP(TDVParser* parser)
-    : TDVThreadRunEdit(QString::fromLatin1(FindCommandClass(QStringLiteral("TDVCmdTCP"))->signature),
-                       QStringLiteral("TFormTCP"), parser)
+    : TDVThreadRunEdit("TDVCmdTCP", parser)
 {
 }
 

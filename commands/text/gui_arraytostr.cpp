@@ -1,6 +1,5 @@
 #include "commands/text/gui_arraytostr.h"
 
-#include "framework/catalogue.h"
 #include "framework/dvtools.h"
 #include "framework/exceptions.h"
 #include "framework/intconvert.h"
@@ -11,12 +10,8 @@
 
 namespace dv {
 
-namespace {
-const TCatalogueRow& Row() { return *FindCommandClass(QStringLiteral("TDVCmdArrayToString")); }
-}  // namespace
-
 TDVCmdArrayToString::TDVCmdArrayToString(TDVParser* parser)
-    : TDVFuncRunEdit(QString::fromUtf8(Row().signature), QString::fromUtf8(Row().dialogClass), parser)
+    : TDVFieldsCommand("TDVCmdArrayToString", parser)
 {
 }
 

@@ -4,20 +4,16 @@
 
 namespace dv {
 
-class TDVCmdArrayToString : public TDVFuncRunEdit {
-public:
-    struct TFields {
-        QString str;  // name of the target string variable
-        QString arr;  // the array's text
-        bool operator==(const TFields&) const = default;
-    };
+struct TDVCmdArrayToStringFields {
+    QString str;  // name of the target string variable
+    QString arr;  // the array's text
+    bool operator==(const TDVCmdArrayToStringFields&) const = default;
+};
 
+class TDVCmdArrayToString : public TDVFieldsCommand<TDVFuncRunEdit, TDVCmdArrayToStringFields> {
+public:
     explicit TDVCmdArrayToString(TDVParser* parser);
 
-    const TFields& Fields() const { return fields_; }
-    void SetFields(const TFields& fields) { fields_ = fields; }
-
-    void SetDefaults() override { fields_ = TFields{}; }
     void SetParams(const TParamList& params) override;
     void ReadParams(TParamList& params) override;
     bool DecodeScript(const QString& script, TParamList& params, TDVScriptImporter* importer) override;
@@ -27,9 +23,6 @@ public:
 
     // The joined text of an array literal; raises the invalid-cast error for any other text.
     static QString Join(const QString& arrayText);
-
-private:
-    TFields fields_;
 };
 
 }  // namespace dv

@@ -1,6 +1,5 @@
 #include "commands/text/gui_numberconvert.h"
 
-#include "framework/catalogue.h"
 #include "framework/dvtools.h"
 #include "framework/exceptions.h"
 #include "framework/intconvert.h"
@@ -39,8 +38,6 @@ constexpr std::array<TNumberOperationRow, 13> kOperations{{
 }};
 // clang-format on
 static_assert(kOperations.size() + 1 == static_cast<std::size_t>(ccUnknown));
-
-const TCatalogueRow& Row() { return *FindCommandClass(QStringLiteral("TDVCmdNumberConversion")); }
 
 TValuePtr Number(long double x) { return std::make_unique<TNumberValue>(x); }
 
@@ -125,7 +122,7 @@ int SetOperation(const QString& keyword)
 QString GetOperationString(int operation) { return QLatin1String(OperationRow(operation).keyword); }
 
 TDVCmdNumberConversion::TDVCmdNumberConversion(TDVParser* parser)
-    : TDVFuncRunEdit(QString::fromUtf8(Row().signature), QString::fromUtf8(Row().dialogClass), parser)
+    : TDVFieldsCommand("TDVCmdNumberConversion", parser)
 {
 }
 

@@ -43,22 +43,18 @@ const TNumberOperationRow& OperationRow(int operation);  // limited to 1..13
 int SetOperation(const QString& keyword);
 QString GetOperationString(int operation);
 
-class TDVCmdNumberConversion : public TDVFuncRunEdit {
-public:
-    struct TFields {
-        int operation = 1;
-        QString input;
-        QString output;  // name of the target variable
-        std::uint8_t digits = 2;  // Stellen, kept in 8 bits as the dialog always kept it
-        bool operator==(const TFields&) const = default;
-    };
+struct TDVCmdNumberConversionFields {
+    int operation = 1;
+    QString input;
+    QString output;  // name of the target variable
+    std::uint8_t digits = 2;  // Stellen, kept in 8 bits as the dialog always kept it
+    bool operator==(const TDVCmdNumberConversionFields&) const = default;
+};
 
+class TDVCmdNumberConversion : public TDVFieldsCommand<TDVFuncRunEdit, TDVCmdNumberConversionFields> {
+public:
     explicit TDVCmdNumberConversion(TDVParser* parser);
 
-    const TFields& Fields() const { return fields_; }
-    void SetFields(const TFields& fields) { fields_ = fields; }
-
-    void SetDefaults() override { fields_ = TFields{}; }
     void SetParams(const TParamList& params) override;
     void ReadParams(TParamList& params) override;
     bool DecodeScript(const QString& script, TParamList& params, TDVScriptImporter* importer) override;
@@ -69,9 +65,6 @@ public:
     // The result of the operation on the fields; "Input" is evaluated from params for the array
     // operations. nullptr for an operation outside 1..13.
     static TValuePtr Convert(const TFields& fields, const TParamList& params);
-
-private:
-    TFields fields_;
 };
 
 }  // namespace dv

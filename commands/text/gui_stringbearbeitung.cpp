@@ -1,6 +1,5 @@
 #include "commands/text/gui_stringbearbeitung.h"
 
-#include "framework/catalogue.h"
 #include "framework/dvtools.h"
 #include "framework/intconvert.h"
 #include "framework/services.h"
@@ -39,8 +38,6 @@ constexpr std::array<TMarkerFlag, 4> kMarkerFlags{{
     {"UPPERCASE,", &TFields::upperCase},
     {"ROUND,", &TFields::round},
 }};
-
-const TCatalogueRow& Row() { return *FindCommandClass(QStringLiteral("TDVCmdStringConversion")); }
 
 QString BoolText(bool b) { return b ? QStringLiteral("True") : QStringLiteral("False"); }
 
@@ -126,7 +123,7 @@ QString GetPositionParam(TFragPosition position)
 }
 
 TDVCmdStringConversion::TDVCmdStringConversion(TDVParser* parser)
-    : TDVFuncRunEdit(QString::fromUtf8(Row().signature), QString::fromUtf8(Row().dialogClass), parser)
+    : TDVFieldsCommand("TDVCmdStringConversion", parser)
 {
 }
 

@@ -45,39 +45,36 @@ struct TStringResult {
     TOutputKind kind = TOutputKind::Unset;
 };
 
-class TDVCmdStringConversion : public TDVFuncRunEdit {
+struct TDVCmdStringConversionFields {
+    QString separator;
+    QString search;
+    bool searchFlag = false;  // "Position": report where Search starts
+    QString input;
+    QString output;  // name of the target variable
+    bool upperCase = false;
+    bool strLen = false;
+    bool fragment = false;
+    bool cut = true;  // false: delete the fragment instead of keeping it
+    QString pos = QStringLiteral("0");
+    QString length = QStringLiteral("0");
+    TFragPosition fragPos = TFragPosition::fpLeft;
+    bool segment = false;
+    QString part = QStringLiteral("0");
+    bool convert = false;  // result as a number (a Boolean although the signature says Number)
+    bool round = false;
+    bool trim = false;
+    int trimMode = 0;
+    QString replaceWith;
+    QString replacePos;
+    bool replace = false;
+    QString count;  // the characters to count
+    bool countFlag = false;
+    bool operator==(const TDVCmdStringConversionFields&) const = default;
+};
+
+class TDVCmdStringConversion : public TDVFieldsCommand<TDVFuncRunEdit, TDVCmdStringConversionFields> {
 public:
-    struct TFields {
-        QString separator;
-        QString search;
-        bool searchFlag = false;  // "Position": report where Search starts
-        QString input;
-        QString output;  // name of the target variable
-        bool upperCase = false;
-        bool strLen = false;
-        bool fragment = false;
-        bool cut = true;  // false: delete the fragment instead of keeping it
-        QString pos = QStringLiteral("0");
-        QString length = QStringLiteral("0");
-        TFragPosition fragPos = TFragPosition::fpLeft;
-        bool segment = false;
-        QString part = QStringLiteral("0");
-        bool convert = false;  // result as a number (a Boolean although the signature says Number)
-        bool round = false;
-        bool trim = false;
-        int trimMode = 0;
-        QString replaceWith;
-        QString replacePos;
-        bool replace = false;
-        QString count;  // the characters to count
-        bool countFlag = false;
-        bool operator==(const TFields&) const = default;
-    };
-
     explicit TDVCmdStringConversion(TDVParser* parser);
-
-    const TFields& Fields() const { return fields_; }
-    void SetFields(const TFields& fields) { fields_ = fields; }
 
     void SetDefaults() override;
     void SetParams(const TParamList& params) override;
@@ -93,7 +90,6 @@ public:
 
 private:
     void Start();
-    TFields fields_;
 };
 
 }  // namespace dv

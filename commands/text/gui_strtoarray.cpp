@@ -1,6 +1,5 @@
 #include "commands/text/gui_strtoarray.h"
 
-#include "framework/catalogue.h"
 #include "framework/dvtools.h"
 #include "framework/exceptions.h"
 #include "framework/services.h"
@@ -9,12 +8,8 @@
 
 namespace dv {
 
-namespace {
-const TCatalogueRow& Row() { return *FindCommandClass(QStringLiteral("TDVCmdStringToArray")); }
-}  // namespace
-
 TDVCmdStringToArray::TDVCmdStringToArray(TDVParser* parser)
-    : TDVFuncRunEdit(QString::fromUtf8(Row().signature), QString::fromUtf8(Row().dialogClass), parser)
+    : TDVFieldsCommand("TDVCmdStringToArray", parser)
 {
 }
 

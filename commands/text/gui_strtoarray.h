@@ -5,20 +5,16 @@
 
 namespace dv {
 
-class TDVCmdStringToArray : public TDVFuncRunEdit {
-public:
-    struct TFields {
-        QString str;  // the string's text
-        QString arr;  // name of the target array variable
-        bool operator==(const TFields&) const = default;
-    };
+struct TDVCmdStringToArrayFields {
+    QString str;  // the string's text
+    QString arr;  // name of the target array variable
+    bool operator==(const TDVCmdStringToArrayFields&) const = default;
+};
 
+class TDVCmdStringToArray : public TDVFieldsCommand<TDVFuncRunEdit, TDVCmdStringToArrayFields> {
+public:
     explicit TDVCmdStringToArray(TDVParser* parser);
 
-    const TFields& Fields() const { return fields_; }
-    void SetFields(const TFields& fields) { fields_ = fields; }
-
-    void SetDefaults() override { fields_ = TFields{}; }
     void SetParams(const TParamList& params) override;
     void ReadParams(TParamList& params) override;
     bool DecodeScript(const QString& script, TParamList& params, TDVScriptImporter* importer) override;
@@ -27,7 +23,6 @@ public:
 
 private:
     void Start();
-    TFields fields_;
 };
 
 }  // namespace dv
