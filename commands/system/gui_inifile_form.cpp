@@ -32,15 +32,9 @@ TIni_Files::TIni_Files(TDVCmdIniFiles& command) : TCommandForm(command, QStringL
     ident_ = rows.Edit(QStringLiteral("Edit_Ident"), _("Eintrag:"));
     value_ = rows.Edit(QStringLiteral("Edit_Value"), _("Wert:"));
     result_ = rows.Edit(QStringLiteral("Edit_Result"), _("Ergebnis:"));
-    QStringList names;
-    QStringList captions;
-    std::vector<int> ids;
-    for (const TIniModeRow& row : kIniModes) {
-        names << QLatin1String(row.radioName);
-        captions << _(row.caption);
-        ids.push_back(static_cast<int>(row.mode));
-    }
-    modes_ = rows.Radios(_("Aktion:"), names, captions, ids);
+    modes_ = rows.RadiosOf(_("Aktion:"), kIniModes, [](const TIniModeRow& row) {
+        return TFormBuilder::TRadio{row.radioName, row.caption, static_cast<int>(row.mode)};
+    });
 
     connect(modes_, &QButtonGroup::idClicked, this, &TIni_Files::EnableFor);
     connect(open, &QPushButton::clicked, this, [this] {

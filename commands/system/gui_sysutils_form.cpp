@@ -19,15 +19,9 @@ namespace dv {
 TSystemUtilities::TSystemUtilities(TDVCmdSystemUtilities& command)
     : TCommandForm(command, QStringLiteral("TSystemUtilities"), _("System Utilities"), 182)
 {
-    QStringList names;
-    QStringList captions;
-    std::vector<int> ids;
-    for (const TSysUtilRow& row : kSysUtilCommands) {
-        names << QLatin1String(row.radioName);
-        captions << _(row.caption);
-        ids.push_back(static_cast<int>(row.command));
-    }
-    commands_ = TFormBuilder(this, Body()).Radios(QString(), names, captions, ids);
+    commands_ = TFormBuilder(this, Body()).RadiosOf(QString(), kSysUtilCommands, [](const TSysUtilRow& row) {
+        return TFormBuilder::TRadio{row.radioName, row.caption, static_cast<int>(row.command)};
+    });
     const TBrowseRow file = AddBrowseRow(this, Body(), QStringLiteral("Edit_Filename"), _("Dateiname"),
                                          QStringLiteral("BT_Dir"), QStringLiteral("..."));
     fileLabel_ = file.label;

@@ -88,15 +88,9 @@ void TStringBearbeitung::BuildFragmentPanel()
     TFormBuilder panel(fragmentPanel_, layout);
     cut_ = panel.Radios(QString(), {QStringLiteral("RB_CUT"), QStringLiteral("RB_Del")},
                         {_("Ausschneiden"), _("Löschen")}, {kCutId, kDeleteId});
-    QStringList names;
-    QStringList captions;
-    std::vector<int> ids;
-    for (const TFragPositionRow& row : FragPositions()) {
-        names << QLatin1String(row.control);
-        captions << _(row.caption);
-        ids.push_back(static_cast<int>(row.value));
-    }
-    anchor_ = panel.Radios(QString(), names, captions, ids);
+    anchor_ = panel.RadiosOf(QString(), FragPositions(), [](const TFragPositionRow& row) {
+        return TFormBuilder::TRadio{row.control, row.caption, static_cast<int>(row.value)};
+    });
     pos_ = panel.Edit(QStringLiteral("Edit_Position"), _("Pos:"), QStringLiteral("0"));
     length_ = panel.Edit(QStringLiteral("Edit_Laenge"), _("Länge:"), QStringLiteral("0"));
 }
@@ -107,15 +101,9 @@ void TStringBearbeitung::BuildTrimPanel()
     trimPanel_->setObjectName(QStringLiteral("Panel_Trim"));
     auto* layout = new QVBoxLayout(trimPanel_);
     Body()->addWidget(trimPanel_);
-    QStringList names;
-    QStringList captions;
-    std::vector<int> ids;
-    for (const TTrimModeRow& row : TrimModes()) {
-        names << QLatin1String(row.control);
-        captions << QLatin1String(row.caption);
-        ids.push_back(row.code);
-    }
-    trimMode_ = TFormBuilder(trimPanel_, layout).Radios(QString(), names, captions, ids);
+    trimMode_ = TFormBuilder(trimPanel_, layout).RadiosOf(QString(), TrimModes(), [](const TTrimModeRow& row) {
+        return TFormBuilder::TRadio{row.control, row.caption, row.code};
+    });
 }
 
 void TStringBearbeitung::UpdateEnabling()
