@@ -100,12 +100,12 @@ TLineParts SplitLine(const QString& line)
     return parts;
 }
 
-// The variables the script's "var" lines declare, with their kinds.
+// The variables the script's "var" lines declare, and the one every script has, with their kinds.
 QHash<QString, TValueKind> DeclaredVariables(const QStringList& lines)
 {
     static const QRegularExpression decl(QStringLiteral("^\\s*(?:\\d+:)?\\s*var\\s+([\\w\\s,]+):([^=;/]*)"),
                                          QRegularExpression::CaseInsensitiveOption);
-    QHash<QString, TValueKind> kinds;
+    QHash<QString, TValueKind> kinds{{QString::fromLatin1(kProjectPathVariable).toLower(), TValueKind::String}};
     for (const QString& line : lines) {
         const QRegularExpressionMatch m = decl.match(line);
         if (!m.hasMatch()) continue;

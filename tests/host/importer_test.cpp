@@ -103,6 +103,7 @@ TEST(Importer, ConvertedLinesRunWithTheOlderMeaning)
         {"TextOut([OUT:Preis: 5 EUR]);", "", "Preis: 5 EUR"},
         {"TextOut([OUT:Er sagt \"Hallo\"]);", "", "Er sagt \"Hallo\""},
         {"TextOut([OUT:Gruss][FONT:Courier:12:bold]);", "", "Servus"},
+        {"TextOut([OUT:PROJEKTPFAD]);", "", "/projekt"},
         {"   7:HexToInt(IN:FF,OUT:N):0; // Wert", "N", "255"},
         {"ArrayToStr(A, S);", "S", "Hi"},
     };
