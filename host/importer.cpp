@@ -100,6 +100,27 @@ TLineParts SplitLine(const QString& line)
     return parts;
 }
 
+// Whether a "(*" comment is still open at the end of the line, given whether it was at its start;
+// lines that begin inside one are text, not statements.
+bool CommentOpenAfter(const QString& line, bool open)
+{
+    bool quoted = false;
+    for (qsizetype i = 0; i + 1 < line.size(); ++i) {
+        const QStringView pair = QStringView(line).mid(i, 2);
+        if (open || !quoted) {
+            if (!open && pair == QLatin1String("//")) break;
+            const bool toggles = open ? pair == QLatin1String("*)") : pair == QLatin1String("(*");
+            if (toggles) {
+                open = !open;
+                ++i;
+                continue;
+            }
+        }
+        if (!open && line[i] == '"') quoted = !quoted;
+    }
+    return open;
+}
+
 // The variables the script's "var" lines declare, and the one every script has, with their kinds.
 QHash<QString, TValueKind> DeclaredVariables(const QStringList& lines)
 {
@@ -249,7 +270,11 @@ QString TDVScriptImporter::Convert(const QString& text)
     QStringList lines = script.split('\n');
     declared_ = host::DeclaredVariables(lines);
     static const QRegularExpression word(QStringLiteral("^\\w+"));
+    bool inComment = false;
     for (qsizetype i = 0; i < lines.size(); ++i) {
+        const bool commentedOut = inComment;
+        inComment = host::CommentOpenAfter(lines[i], inComment);
+        if (commentedOut) continue;
         const host::TLineParts parts = host::SplitLine(lines[i]);
         TDVThreadRunEdit* command = CommandFor(word.match(parts.statement).captured(0));
         if (!command || !IsOlderLine(parts.statement, *command)) continue;

@@ -71,6 +71,7 @@ TEST(Importer, ScriptsInTheCurrentFormStayByteForByte)
         "var S : String\nvar A : Array of String\nStrToArray(\"123\", A)\nArrayToStr(S, A)",
         "  93:TextOut(Text := \"a\",\n    FontSize := 12)\n",
         "var N : Number\nif N > 1 then\n  TextOut(N + 1)\nend if\n",
+        "(* ältere Zeilen, abgeschaltet:\nHexToInt(IN:FF,OUT:N):0;\n*)\n",
     };
     for (const char* script : scripts) {
         THost host;
