@@ -181,7 +181,9 @@ int RunDvrun(int& argc, char** argv)
     }
     if (options.convert) {
         THost host;
-        std::fputs(ConvertScript(text, host.Commands()).toUtf8().constData(), stdout);
+        QStringList warnings;
+        std::fputs(ConvertScript(text, host.Commands(), &warnings).toUtf8().constData(), stdout);
+        for (const QString& w : warnings) PrintTo(stderr, QStringLiteral("dvrun: ") + w);
         return 0;
     }
     return RunScript(argc, argv, options, text);

@@ -1,6 +1,11 @@
 #include "host/importer.h"
 
+#include "framework/catalogue.h"
+#include "framework/exceptions.h"
+#include "framework/scanner.h"
+#include "framework/translate.h"
 #include "host/commandpool.h"
+#include "host/scriptparser.h"
 
 #include <QRegularExpression>
 #include <QSet>
@@ -53,33 +58,128 @@ TDVThreadRunEdit* CommandForLine(const QString& word, TCommandPool& commands)
     return nullptr;
 }
 
-// Names declared by the script's "var" lines, in lower case.
-QSet<QString> DeclaredNames(const QStringList& lines)
+// A line as the importer takes it apart: indentation and editor marker, the statement, a trailing
+// "//" comment with the blanks before it, and the carriage return of a CRLF file.
+struct TLineParts {
+    QString prefix;
+    QString statement;
+    QString comment;
+    QString cr;
+    QString Joined(const QString& statement) const { return prefix + statement + comment + cr; }
+};
+
+TLineParts SplitLine(const QString& line)
 {
-    static const QRegularExpression decl(QStringLiteral("^\\s*(?:\\d+:)?\\s*var\\s+([\\w\\s,]+):"),
+    TLineParts parts;
+    QString body = line;
+    if (body.endsWith('\r')) {
+        parts.cr = QStringLiteral("\r");
+        body.chop(1);
+    }
+    const qsizetype prefix = PrefixLength(body);
+    parts.prefix = body.left(prefix);
+    body = body.mid(prefix);
+    // Older texts may hold "//" themselves (paths, addresses): a comment starts only where the
+    // statement before it is complete. Trailing blanks stay with the comment.
+    qsizetype end = body.size();
+    bool quoted = false;
+    for (qsizetype i = 0; i + 1 < body.size(); ++i) {
+        if (body[i] == '"') quoted = !quoted;
+        if (quoted || body[i] != '/' || body[i + 1] != '/') continue;
+        qsizetype last = i;
+        while (last > 0 && body[last - 1].isSpace()) --last;
+        if (last > 0 && (body[last - 1] == ';' || body[last - 1] == ')')) {
+            end = i;
+            break;
+        }
+    }
+    while (end > 0 && body[end - 1].isSpace()) --end;
+    parts.comment = body.mid(end);
+    body.truncate(end);
+    parts.statement = body;
+    return parts;
+}
+
+// Whether a "(*" comment is still open at the end of the line, given whether it was at its start;
+// lines that begin inside one are text, not statements.
+bool CommentOpenAfter(const QString& line, bool open)
+{
+    bool quoted = false;
+    for (qsizetype i = 0; i + 1 < line.size(); ++i) {
+        const QStringView pair = QStringView(line).mid(i, 2);
+        if (open || !quoted) {
+            if (!open && pair == QLatin1String("//")) break;
+            const bool toggles = open ? pair == QLatin1String("*)") : pair == QLatin1String("(*");
+            if (toggles) {
+                open = !open;
+                ++i;
+                continue;
+            }
+        }
+        if (!open && line[i] == '"') quoted = !quoted;
+    }
+    return open;
+}
+
+// The variables the script's "var" lines declare, and the one every script has, with their kinds.
+QHash<QString, TValueKind> DeclaredVariables(const QStringList& lines)
+{
+    static const QRegularExpression decl(QStringLiteral("^\\s*(?:\\d+:)?\\s*var\\s+([\\w\\s,]+):([^=;/]*)"),
                                          QRegularExpression::CaseInsensitiveOption);
-    QSet<QString> names{QStringLiteral("projektpfad"), QStringLiteral("true"), QStringLiteral("false")};
+    QHash<QString, TValueKind> kinds{{QString::fromLatin1(kProjectPathVariable).toLower(), TValueKind::String}};
     for (const QString& line : lines) {
         const QRegularExpressionMatch m = decl.match(line);
         if (!m.hasMatch()) continue;
-        for (const QString& n : m.captured(1).split(',')) names << n.trimmed().toLower();
+        TValueKind kind = TValueKind::Misc;
+        try {
+            TScanner type(m.captured(2));
+            kind = ParseTypeName(type).kind;
+        } catch (const TDravikException&) {
+            // An unknown type: the name is still declared.
+        }
+        for (const QString& n : m.captured(1).split(',')) kinds.insert(n.trimmed().toLower(), kind);
     }
-    return names;
+    return kinds;
 }
 
-// Older lines wrote plain words for texts ("IN:FF", "ccHexToInt", "[OUT:Hallo Welt]"); in the
-// current form words that name no variable of the script become a string literal, so the line runs
-// as it was meant.
-void QuotePlainWords(const TDVSignature& sig, const QSet<QString>& declared, TParamList& params)
+bool IsIdentifier(const QString& text)
 {
-    static const QRegularExpression word(QStringLiteral("^[A-Za-z_][\\w ]*$"));
-    for (const QString& name : params.Names()) {
-        const TDVParamDecl* p = sig.Find(name);
-        const QString text = params.GetString(name).trimmed();
-        if (!p || p->isVar || !word.match(text).hasMatch() || declared.contains(text.toLower())) continue;
-        params.AddString(name, '"' + text + '"');
+    static const QRegularExpression identifier(QStringLiteral("^[A-Za-z_]\\w*$"));
+    return identifier.match(text).hasMatch();
+}
+
+// A text that is one whole string literal ("a.ini", "C:\temp"): the older line already wrote an
+// expression, and the current line takes it as it is.
+bool IsStringLiteral(const QString& text)
+{
+    if (text.size() < 2 || !text.startsWith('"') || !text.endsWith('"')) return false;
+    try {
+        TScanner scan(text, false);
+        return scan.GetNextToken().type == TTokenType::String && scan.GetNextToken().type == TTokenType::EndOfText;
+    } catch (const TDravikException&) {
+        return false;
     }
 }
+
+// A number written as the host prints it, so that the command gets the same characters ("2.5",
+// "12", "-1"), not "007" or "1e3".
+bool IsPrintedNumber(const QString& text)
+{
+    static const QRegularExpression number(QStringLiteral("^-?\\d+(\\.\\d+)?$"));
+    if (!number.match(text).hasMatch()) return false;
+    try {
+        return TNumberValue(text).AsText() == text;
+    } catch (const TDravikException&) {
+        return false;
+    }
+}
+
+QString StringLiteral(const QString& text)
+{
+    return '"' + QString(text).replace('"', QStringLiteral("\"\"")) + '"';
+}
+
+bool IsArrayKind(TValueKind kind) { return kind == TValueKind::Array; }
 
 }  // namespace
 
@@ -145,27 +245,149 @@ bool ReadCommandLine(const QString& line, const TDVSignature& sig, TParamList& p
     return true;
 }
 
-QString ConvertScript(const QString& text, TCommandPool& commands)
+QString ConvertScript(const QString& text, TCommandPool& commands, QStringList* warnings)
 {
+    TDVScriptImporter importer(commands);
+    const QString converted = importer.Convert(text);
+    if (warnings) *warnings = importer.Warnings();
+    return converted;
+}
+
+}  // namespace dv::host
+
+namespace dv {
+
+QString TDVScriptImporter::Convert(const QString& text)
+{
+    warnings_.clear();
+    QString script = text;
+    for (const TCatalogueRow& row : Catalogue()) {
+        if (row.base != TBaseKind::Edit) continue;
+        if (TDVRunEdit* structure = commands_.ForClass(QString::fromLatin1(row.commandClass))) {
+            script = structure->RecodeScript(script, this);
+        }
+    }
+    QStringList lines = script.split('\n');
+    declared_ = host::DeclaredVariables(lines);
     static const QRegularExpression word(QStringLiteral("^\\w+"));
-    static const QRegularExpression namedArgument(QStringLiteral("[(,]\\s*\\w+\\s*:="));
-    QStringList lines = text.split('\n');
-    const QSet<QString> declared = DeclaredNames(lines);
-    for (QString& line : lines) {
-        const bool cr = line.endsWith('\r');
-        const QString body = cr ? line.chopped(1) : line;
-        const qsizetype prefix = PrefixLength(body);
-        const QString call = body.mid(prefix);
-        const QString procedure = word.match(call).captured(0);
-        if (procedure.isEmpty() || namedArgument.match(call).hasMatch()) continue;
-        TDVThreadRunEdit* command = CommandForLine(procedure, commands);
-        if (!command) continue;
-        TParamList params;
-        if (!command->DecodeScript(call, params, nullptr)) continue;
-        QuotePlainWords(command->Signature(), declared, params);
-        line = body.left(prefix) + WriteCommandLine(command->Signature(), params) + (cr ? QStringLiteral("\r") : QString());
+    bool inComment = false;
+    for (qsizetype i = 0; i < lines.size(); ++i) {
+        const bool commentedOut = inComment;
+        inComment = host::CommentOpenAfter(lines[i], inComment);
+        if (commentedOut) continue;
+        const host::TLineParts parts = host::SplitLine(lines[i]);
+        TDVThreadRunEdit* command = CommandFor(word.match(parts.statement).captured(0));
+        if (!command || !IsOlderLine(parts.statement, *command)) continue;
+        const TConverted converted = ConvertStatement(parts.statement, *command);
+        if (converted.statement) {
+            lines[i] = parts.Joined(*converted.statement);
+            continue;
+        }
+        const QString note = QStringLiteral("nicht umgesetzt: ") + converted.reason;
+        warnings_ << Format(_("Zeile %d: %s"), {QString::number(i + 1), note});
+        lines[i] = lines[i].chopped(parts.cr.size()) + QStringLiteral(" // ") + note + parts.cr;
     }
     return lines.join('\n');
 }
 
-}  // namespace dv::host
+std::optional<TValueKind> TDVScriptImporter::DeclaredKind(const QString& name) const
+{
+    const auto it = declared_.find(name.trimmed().toLower());
+    if (it == declared_.end()) return std::nullopt;
+    return *it;
+}
+
+TDVThreadRunEdit* TDVScriptImporter::CommandFor(const QString& word)
+{
+    return word.isEmpty() ? nullptr : host::CommandForLine(word, commands_);
+}
+
+// Current lines are never decoded: a line is older only when the current grammar cannot read it
+// (every name in it taken as declared), or when it gives an array variable to a var parameter of
+// another kind, as the older ArrayToStr(Array, String) does.
+bool TDVScriptImporter::IsOlderLine(const QString& statement, TDVThreadRunEdit& command)
+{
+    static const QRegularExpression namedArgument(QStringLiteral("[(,]\\s*\\w+\\s*:="));
+    if (namedArgument.match(statement).hasMatch()) return false;
+    QStringList names;
+    try {
+        TScanner scan(statement, false);
+        for (TToken t = scan.GetNextToken(); t.type != TTokenType::EndOfText; t = scan.GetNextToken()) {
+            const bool call = scan.LookAhead().type == TTokenType::LParen || commands_.ForProcedure(t.text);
+            if (t.type == TTokenType::Identifier && !call && !names.contains(t.text, Qt::CaseInsensitive)) names << t.text;
+        }
+    } catch (const TDravikException&) {
+        return true;
+    }
+    return ParseError(statement, names).has_value() || VarKindsClash(statement, command);
+}
+
+bool TDVScriptImporter::VarKindsClash(const QString& statement, TDVThreadRunEdit& command) const
+{
+    TParamList args;
+    if (!host::ReadCommandLine(statement, command.Signature(), args)) return false;
+    for (const TDVParamDecl& p : command.Signature().params) {
+        const std::optional<TValueKind> kind = p.isVar ? DeclaredKind(args.GetString(p.name)) : std::nullopt;
+        if (!kind || *kind == TValueKind::Misc || p.type.kind == TValueKind::Misc) continue;
+        if (host::IsArrayKind(*kind) != host::IsArrayKind(p.type.kind)) return true;
+    }
+    return false;
+}
+
+std::optional<QString> TDVScriptImporter::ParseError(const QString& statement, const QStringList& names)
+{
+    QStringList declarations;
+    for (const QString& n : names) {
+        if (n.compare(QLatin1String(host::kProjectPathVariable), Qt::CaseInsensitive) != 0) declarations << n;
+    }
+    const QString head = declarations.isEmpty() ? QStringLiteral("\n") : QStringLiteral("var ") + declarations.join(',') + QStringLiteral(" : Misc\n");
+    host::TProgram program;
+    host::TScriptParser(program, commands_).ParseProgram(head + statement);
+    if (program.errors.empty()) return std::nullopt;
+    return program.errors.front().message;
+}
+
+TDVScriptImporter::TConverted TDVScriptImporter::ConvertStatement(const QString& statement, TDVThreadRunEdit& command)
+{
+    TParamList decoded;
+    if (!command.DecodeScript(statement, decoded, this)) {
+        return {std::nullopt, Format(_("keine ältere Zeile von %s"), {command.GetID()})};
+    }
+    TParamList current;
+    for (const QString& name : decoded.Names()) {
+        const TDVParamDecl* decl = command.Signature().Find(name);
+        if (!decl) continue;
+        const std::optional<QString> argument = CurrentArgument(*decl, decoded.GetString(name));
+        if (!argument) {
+            return {std::nullopt, Format(_("%s erwartet eine Variable, nicht \"%s\""), {name, decoded.GetString(name)})};
+        }
+        current.AddString(name, *argument);
+    }
+    const QString line = host::WriteCommandLine(command.Signature(), current);
+    QStringList names;
+    for (auto it = declared_.cbegin(); it != declared_.cend(); ++it) names << it.key();
+    if (const std::optional<QString> error = ParseError(line, names)) return {std::nullopt, *error};
+    return {line, {}};
+}
+
+// An older line's argument is literal text that reached the command unchanged; the current line
+// writes it so that the command gets the same characters: a declared variable stays a reference,
+// a whole string literal, a printed number and True/False stay as written, anything else becomes
+// a string literal.
+std::optional<QString> TDVScriptImporter::CurrentArgument(const TDVParamDecl& decl, const QString& text) const
+{
+    if (text.isEmpty()) return QString();  // left out, as the older line left it empty
+    const QString name = text.trimmed();
+    if (decl.isVar) return host::IsIdentifier(name) ? std::optional<QString>(name) : std::nullopt;
+    if (host::IsIdentifier(name) && DeclaredKind(name)) return name;
+    // Switches the signature declares otherwise (Convert : Number) still read True and False.
+    const bool boolean = text == QLatin1String("True") || text == QLatin1String("False") ||
+                         (decl.type.kind == TValueKind::Boolean && (text.compare(QLatin1String("True"), Qt::CaseInsensitive) == 0 ||
+                                                                    text.compare(QLatin1String("False"), Qt::CaseInsensitive) == 0));
+    if (boolean || host::IsStringLiteral(text) || host::IsPrintedNumber(text)) {
+        return text;
+    }
+    return host::StringLiteral(text);
+}
+
+}  // namespace dv

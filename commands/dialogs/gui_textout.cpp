@@ -1,6 +1,7 @@
 #include "commands/dialogs/gui_textout.h"
 
 #include "framework/dvtools.h"
+#include "framework/exceptions.h"
 #include "framework/intconvert.h"
 #include "framework/services.h"
 #include "framework/translate.h"
@@ -20,6 +21,14 @@ constexpr std::array<TFontStyleRow, 4> kFontStyles{{
 static_assert(kFontStyles.size() == static_cast<std::size_t>(TFontStyle::Count));
 
 QString Quoted(const QString& text) { return '"' + text + '"'; }
+
+// A size or colour that is no integer fails naming its parameter, so that the user finds the text
+// to fix among the six.
+int IntegerParameter(const QString& name, const QString& text)
+{
+    if (const std::optional<std::int32_t> value = TryStrToInt(text)) return *value;
+    throw TDVRuntimeException(Format(_("%s: \"%s\" ist kein gültiger Integerwert"), {name, text}));
+}
 
 }  // namespace
 
@@ -106,8 +115,8 @@ void TDVCmdTextOut::Run(TParamList& params)
 {
     SetParams(params);
     const int style = StyleBits(fields_.style);
-    const int size = StrToInt(fields_.size);
-    const int colour = StrToInt(fields_.colour);
+    const int size = IntegerParameter(QStringLiteral("FontSize"), fields_.size);
+    const int colour = IntegerParameter(QStringLiteral("FontColor"), fields_.colour);
     // The form-feed flag is not passed on: the output has no pages.
     TestEnvironment().WriteOutput(StripChar(fields_.text, QChar(0)), fields_.font, size, style, colour);
 }

@@ -67,10 +67,10 @@ TFRM_TextOut::TFRM_TextOut(TDVCmdTextOut& command)
     AttachVariableEditors();
 }
 
-void TFRM_TextOut::SetSwatch(int colour)
+void TFRM_TextOut::SetColour(const QString& colourText)
 {
-    colour_ = colour;
-    swatch_->setStyleSheet(QStringLiteral("background-color: %1").arg(ToColor(colour).name()));
+    colourText_ = colourText;
+    swatch_->setStyleSheet(QStringLiteral("background-color: %1").arg(ToColor(StrToIntDef(colourText, 0)).name()));
 }
 
 void TFRM_TextOut::Load(const Fields& f)
@@ -79,7 +79,7 @@ void TFRM_TextOut::Load(const Fields& f)
     font_->setText(f.font);
     size_->setText(f.size);
     style_->setText(f.style);
-    SetSwatch(StrToIntDef(f.colour, 0));
+    SetColour(f.colour);
     formFeed_->setChecked(f.formFeed);
     text_->setFocus();
 }
@@ -90,14 +90,14 @@ void TFRM_TextOut::Store(Fields& f)
     f.font = font_->text();
     f.size = size_->text();
     f.style = style_->text();
-    f.colour = QString::number(ToColourNumber(ToColor(colour_)));
+    f.colour = colourText_;
     f.formFeed = formFeed_->isChecked();
 }
 
 void TFRM_TextOut::ChooseColour()
 {
-    const QColor chosen = QColorDialog::getColor(ToColor(colour_), this, _("Farbe"));
-    if (chosen.isValid()) SetSwatch(ToColourNumber(chosen));
+    const QColor chosen = QColorDialog::getColor(ToColor(StrToIntDef(colourText_, 0)), this, _("Farbe"));
+    if (chosen.isValid()) SetColour(QString::number(ToColourNumber(chosen)));
 }
 
 // The font dialog starts from the edits and writes its choice back, the style as rebuilt words.

@@ -18,7 +18,7 @@ protected:
     void Store(Fields& fields) override;
 
 private:
-    void SetSwatch(int colour);
+    void SetColour(const QString& colourText);
     void ChooseColour();
     void ChooseFont();
 
@@ -26,7 +26,9 @@ private:
     QLineEdit* style_;
     QLineEdit* size_;
     QToolButton* swatch_;
-    int colour_ = 0;  // 0x00BBGGRR
+    // The colour as it was given (a number 0x00BBGGRR, a system colour, any text) until one is
+    // chosen: the swatch shows only the RGB bytes, and OK must not narrow the value to them.
+    QString colourText_;
     QLineEdit* text_;
     QCheckBox* formFeed_;
 };

@@ -3,7 +3,6 @@
 #include "framework/dvtools.h"
 #include "framework/exceptions.h"
 #include "framework/intconvert.h"
-#include "framework/parser.h"
 #include "framework/services.h"
 #include "framework/translate.h"
 #include "framework/typeconversion.h"
@@ -43,19 +42,17 @@ QString TDVCmdArrayToString::GetDescription(const QString&, const TParamList& pa
            _("<< in einen String und speichere ihn in ") + params.GetString(QStringLiteral("Str"));
 }
 
-QString TDVCmdArrayToString::Join(const QString& arrayText)
+QString TDVCmdArrayToString::Join(const TValue& array)
 {
-    const TDVAbsyPtr tree = GetParser().GetParser()->ParseExpression(arrayText);
-    const auto* array = dynamic_cast<const TDVAbsyArray*>(tree.get());
-    if (!array) throw TDVRuntimeException(_("Ungültige Typumwandlung"));
+    const auto* elements = dynamic_cast<const TArrayValue*>(&array);
+    if (!elements) throw TDVRuntimeException(_("Ungültige Typumwandlung"));
     QString result;
-    const auto& elements = array->Elements();
-    // Entry 0 of the element list is never converted: the elements are entries 1..N.
-    for (std::size_t i = 1; i < elements.size(); ++i) {
-        const TValuePtr value = elements[i]->Evaluate();
-        if (const auto* text = dynamic_cast<const TStringValue*>(value.get())) {
+    result.reserve(elements->GetSize());
+    for (int i = 1; i <= elements->GetSize(); ++i) {
+        const TValue& value = elements->GetVal(i);
+        if (const auto* text = dynamic_cast<const TStringValue*>(&value)) {
             result += text->GetVal();
-        } else if (const auto* number = dynamic_cast<const TNumberValue*>(value.get())) {
+        } else if (const auto* number = dynamic_cast<const TNumberValue*>(&value)) {
             const std::int64_t code = RoundHalfEven(number->GetVal());
             result += Chr1252(code < 0 || code > 255 ? -1 : static_cast<int>(code));
         }
@@ -63,10 +60,14 @@ QString TDVCmdArrayToString::Join(const QString& arrayText)
     return result;
 }
 
+// The host hands Arr with its evaluated array attached, and GetValue gives it back as it is: string
+// elements keep their text whatever characters they hold. Only a list without a value (an older
+// line read as text) has its text parsed.
 void TDVCmdArrayToString::Run(TParamList& params)
 {
     SetParams(params);
-    VarAccess().SetVariable(fields_.str, std::make_unique<TStringValue>(Join(fields_.arr)));
+    const TValuePtr array = params.GetValue(QStringLiteral("Arr"));
+    VarAccess().SetVariable(fields_.str, std::make_unique<TStringValue>(Join(*array)));
 }
 
 }  // namespace dv

@@ -21,8 +21,10 @@ public:
     QString GetDescription(const QString& name, const TParamList& params) override;
     void Run(TParamList& params) override;
 
-    // The joined text of an array literal; raises the invalid-cast error for any other text.
-    static QString Join(const QString& arrayText);
+    // The joined text of an array's elements 1..N: a string element its text, a number the
+    // Windows-1252 character of its rounded code, anything else nothing. Raises the invalid-cast
+    // error for a value that is no array.
+    static QString Join(const TValue& array);
 };
 
 }  // namespace dv

@@ -107,4 +107,61 @@ TEST_F(Dvrun, ListAndConvert)
     EXPECT_EQ(converted.out, old);
 }
 
+// Converting changes no script that is already in the current form.
+TEST_F(Dvrun, ConvertLeavesCurrentScriptsAlone)
+{
+    QStringList scripts;
+    for (const char* folder : {DV_TEST_DATA_DIR "/../examples", DV_TEST_DATA_DIR "/host/scripts"}) {
+        for (const QFileInfo& f : QDir(folder).entryInfoList({"*.dvs"}, QDir::Files)) scripts << f.filePath();
+    }
+    ASSERT_GT(scripts.size(), 5);
+    for (const QString& path : scripts) {
+        QFile f(path);
+        ASSERT_TRUE(f.open(QIODevice::ReadOnly));
+        const TRun converted = Run({"--convert", path});
+        EXPECT_EQ(converted.exitCode, 0) << path.toStdString();
+        EXPECT_EQ(converted.out.toUtf8(), f.readAll()) << path.toStdString();
+    }
+}
+
+// Older system lines with paths (slashes, backslashes, blanks, quotes) become lines that run on
+// the files they named.
+TEST_F(Dvrun, ConvertedSystemLinesWithPathsRun)
+{
+    const QString d = dir.path();
+    for (const char* name : {"a b.txt", "back\\slash.txt", "say \"hi\".txt"}) Script(name, "x");
+    ASSERT_TRUE(QDir(d).mkpath("conf dir") && QDir(d).mkpath("work dir"));
+    Script("conf dir/a.ini", "[Main]\nName=Wert\n");
+    const QString prog = Script("prog.sh", "#!/bin/sh\npwd > wo.txt\necho \"$1\" >> wo.txt\n");
+    QFile::setPermissions(prog, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    const QString older = "var N, R : Misc\n"
+                          "FILEEXIST(" + d + "/a b.txt):N;\nLog(N)\n"
+                          "FILEEXIST(" + d + "/back\\slash.txt):N; // Rückstrich\nLog(N)\n"
+                          "FILEEXIST(" + d + "/say \"hi\".txt):N;\nLog(N)\n"
+                          "FILEEXIST(\"" + d + "/a b.txt\"):N;\nLog(N)\n"
+                          "FILEEXIST(" + d + "/fehlt.txt):N;\nLog(N)\n"
+                          "IniFiles_ReadString(Filename:" + d + "/conf dir/a.ini,Sec:Main,Id:Name,Value:,Result:R,);\nLog(R)\n"
+                          "Exec(" + prog + ",Param:eins,Pfad:" + d + "/work dir,Result:N,TimeOut:5,V:False);\nLog(N)\n";
+    const TRun converted = Run({"--convert", Script("alt.dvs", older)});
+    ASSERT_EQ(converted.exitCode, 0);
+    EXPECT_TRUE(converted.err.isEmpty()) << converted.err.toStdString();
+    EXPECT_TRUE(converted.out.contains("); // Rückstrich\n")) << converted.out.toStdString();
+    const TRun run = Run({Script("neu.dvs", converted.out)});
+    EXPECT_EQ(run.exitCode, 0) << converted.out.toStdString() << run.err.toStdString();
+    EXPECT_EQ(run.out, "True\nTrue\nTrue\nTrue\nFalse\nWert\n0\n") << converted.out.toStdString();
+    QFile where(d + "/work dir/wo.txt");
+    ASSERT_TRUE(where.open(QIODevice::ReadOnly));
+    EXPECT_EQ(QString::fromUtf8(where.readAll()), d + "/work dir\neins\n");
+}
+
+TEST_F(Dvrun, ConvertWarnsOfLinesItKeeps)
+{
+    const QString older = "var A : Array of Number\nHexToInt(IN:FF,OUT:A[1]):0;\n";
+    const TRun converted = Run({"--convert", Script("alt.dvs", older)});
+    EXPECT_EQ(converted.exitCode, 0);
+    EXPECT_TRUE(converted.out.startsWith("var A : Array of Number\nHexToInt(IN:FF,OUT:A[1]):0; // nicht umgesetzt: "))
+        << converted.out.toStdString();
+    EXPECT_TRUE(converted.err.startsWith("dvrun: Zeile 2: nicht umgesetzt: ")) << converted.err.toStdString();
+}
+
 }  // namespace

@@ -54,5 +54,18 @@ TEST(TextOutFormTest, FontButtonRebuildsTheStyleAndOkWritesTheBoxesBack)
     }
 }
 
+// The swatch shows only the RGB bytes; OK without touching it gives back the colour as it came.
+TEST(TextOutFormTest, OkKeepsTheColourItWasGiven)
+{
+    TTestHost host;
+    TDVCmdTextOut command(&host);
+    for (const char* colour : {"-1", "536870911", "-16777201", "255", "clRed"}) {
+        TParamList params = MakeParams({{"Text", "Hallo"}, {"FontColor", colour}});
+        OnModal("TFRM_TextOut", [&](QWidget& d) { Click(d, "BT_OK"); });
+        ASSERT_TRUE(command.Edit(params));
+        EXPECT_EQ(params.GetString("FontColor"), colour);
+    }
+}
+
 }  // namespace
 }  // namespace dv

@@ -39,10 +39,11 @@ TEST_F(TextOutTest, RunDropsNulCharactersIgnoresFormFeedAndRejectsSizeOrColourTh
     EXPECT_EQ(Call(host.output[0]), std::tuple(QString("ab"), QString(""), 10, 0, 0));  // no font: an empty name
     EXPECT_EQ(Call(host.output[1]), Call(host.output[0]));
     const std::tuple<const char*, const char*, const char*> rows[] = {
-        {"zwölf", "0", "zwölf"}, {"12", "rot", "rot"}, {"12.5", "0", "12.5"}};
+        {"zwölf", "0", "FontSize: \"zwölf\""}, {"12", "rot", "FontColor: \"rot\""}, {"12.5", "0", "FontSize: \"12.5\""}};
     for (const auto& [size, colour, messagePart] : rows) {
         TParamList params = MakeParams({{"Text", "x"}, {"FontSize", size}, {"FontColor", colour}});
-        EXPECT_TRUE(test::RaisedMessage([&] { command.Run(params); }).value_or("").contains(QString::fromUtf8(messagePart))) << messagePart;
+        const QString message = test::RaisedMessage([&] { command.Run(params); }).value_or("");
+        EXPECT_TRUE(message.contains(QString::fromUtf8(messagePart))) << message.toStdString();
     }
     EXPECT_EQ(host.output.size(), 2u);
 }

@@ -2,6 +2,7 @@
 #include "commands/text/gui_arraytostr.h"
 #include "commands/text/gui_strtoarray.h"
 #include "tests/commands/params.h"
+#include "tests/host/scriptrun.h"
 #include "tests/support/testhost.h"
 
 #include <gtest/gtest.h>
@@ -73,6 +74,49 @@ TEST_F(ArrayStringTest, StrToArrayFillsTheEmptiedArrayInPlaceOrRaisesForWrongTar
     EXPECT_EQ(host.ValueText("Zahl"), "0");
     EXPECT_EQ(host.ValueText("Gemischt"), "");
     EXPECT_EQ(host.FindVariable("Fehlt"), nullptr);
+}
+
+// Through the real host, which hands Arr as its printed text with the evaluated array attached.
+TEST(ArrayToStrInAScript, JoinsTheArrayTheHostHandsOver)
+{
+    const struct {
+        const char* lines;  // leave the result in S
+        const char* expected;
+    } rows[] = {
+        {"var A : Array of String\nStrToArray(\"123\", A)\nArrayToStr(S, A)", "123"},
+        {"var A : Array of Number\nStrToArray(\"123\", A)\nArrayToStr(S, A)", "123"},
+        {"var A : Array of String\nStrToArray(\"{a}}{\", A)\nArrayToStr(S, A)", "{a}}{"},
+        {"ArrayToStr(S, [])", ""},
+        {"ArrayToStr(S, [True, 65, \"}{\"])", "A}{"},
+        {"var A : Array of Misc = [\"x\", 121.5]\nArrayToStr(S, A)", "xz"},
+    };
+    for (const auto& r : rows) {
+        const QString script = QString("var S : String = \"vorher\"\n") + r.lines + "\nLog(\"<\" + S + \">\")";
+        const host::test::TScriptOutcome run = host::test::RunScriptText(script);
+        EXPECT_EQ(run.exitCode, 0) << r.lines << "\n" << run.errors.join('\n').toStdString();
+        EXPECT_EQ(run.output, QStringList{QString("<%1>").arg(QString::fromUtf8(r.expected))}) << r.lines;
+    }
+}
+
+TEST(ArrayToStrInAScript, LineBreaksInElementsSurviveTheRoundTrip)
+{
+    const QString script = "var S, T : String\nvar A : Array of String\nvar N : Array of Number\n"
+                           "ArrayToStr(S, [65, 10, 123, 13, 10, 125])\nStrToArray(S, A)\nArrayToStr(T, A)\n"
+                           "Check(T = S, \"T = S\")\nStrToArray(T, N)\nLog(N)";
+    const host::test::TScriptOutcome run = host::test::RunScriptText(script);
+    EXPECT_EQ(run.exitCode, 0) << run.errors.join('\n').toStdString() << run.failedChecks.join('\n').toStdString();
+    EXPECT_EQ(run.output, QStringList{"{65}{10}{123}{13}{10}{125}"});
+}
+
+TEST(ArrayToStrInAScript, AValueThatIsNoArrayIsAnInvalidCast)
+{
+    for (const char* value : {"\"Hallo Welt\"", "65"}) {
+        const QString script = QString("var S : String = \"vorher\"\nvar M : Misc = %1\nArrayToStr(S, M)\nLog(S)").arg(value);
+        const host::test::TScriptOutcome run = host::test::RunScriptText(script);
+        EXPECT_EQ(run.exitCode, 1) << value;
+        EXPECT_TRUE(run.errors.join('\n').contains("Ungültige Typumwandlung")) << run.errors.join('\n').toStdString();
+        EXPECT_TRUE(run.output.isEmpty()) << value;
+    }
 }
 
 TEST_F(ArrayStringTest, OlderLinesOfArrayToStrNameTheArrayFirst)
