@@ -22,6 +22,9 @@ namespace {
 // Written by the GUI thread during the synchronised run, read by the worker after it returned.
 std::atomic<bool> g_waitEnabled{false};
 
+// A fault already reported and answered with Cancel: the run ends without a second dialog.
+struct TRunCancelled {};
+
 // The functions whose result is an array, and the one without a result.
 bool WritesArray(TScopeFnc f)
 {
@@ -68,6 +71,8 @@ void TScopeState::Start()
         if (s.AutoScale) ++m.AutoScaleRuns;
         m.WeiterEnabled = s.WaitEnabled;
         m.BlinkTimerActive = s.WaitEnabled;
+    } catch (const TRunCancelled&) {
+        s.WaitEnabled = false;
     } catch (const TDravikException& e) {
         s.WaitEnabled = false;
         ReportExecutionFault(_("Scope-Plugin: Fehler bei der Befehlsausführung !") + '\n' + e.Message());
@@ -116,9 +121,7 @@ void TScopeState::DrawCurves()
             DrawCurve(analysis::ScopeStore(), slot + 1, s.CurveSource[i], ScopeModel().CurveNames[i]);
         } catch (const TDravikException& e) {
             // A curve that cannot be drawn is reported on its own; Ignore goes on with the next.
-            if (ReportExecutionFault(QStringLiteral("Scope-Plugin: ") + e.Message()) == TErrorAnswer::Cancel) {
-                throw TDravikException(e.Message());
-            }
+            if (ReportExecutionFault(QStringLiteral("Scope-Plugin: ") + e.Message()) == TErrorAnswer::Cancel) throw TRunCancelled();
         }
     }
 }

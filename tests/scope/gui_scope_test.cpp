@@ -11,6 +11,7 @@
 #include "scope/scopemodel.h"
 #include "tests/host/scriptrun.h"
 
+#include <QProcess>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -229,6 +230,7 @@ TEST_F(ScopeRun, FaultsStopTheTestUnlessIgnored)
     const TScriptOutcome adx = Run("Scope(\"[HIDE],1:[ADX_DATA:]\", \"\");\nLog(\"danach\");");
     EXPECT_EQ(adx.exitCode, 1);
     EXPECT_TRUE(Logged("Scope-Plugin: Keine Adx-Scopedaten vorhanden !"));
+    EXPECT_EQ(warnings.size(), 1);  // one dialog, answered with the default Abbrechen
     EXPECT_TRUE(adx.output.isEmpty());
 
     SetHeadlessAnswers({"Scope=Ignorieren"});
@@ -318,6 +320,40 @@ TEST_F(ScopeRun, AWaitEndsOnWeiterOrStopAndAZeroVariableSkipsIt)
     EXPECT_EQ(dialogs.waits, 1);
     EXPECT_TRUE(stopped.output.isEmpty());
     EXPECT_NE(stopped.exitCode, 0);
+}
+
+// The same answers through the real dvrun binary, without a display.
+TEST_F(ScopeRun, DvrunTakesItsAnswersAndNeverWaitsHeadless)
+{
+    QFile script(dir.filePath("antwort.dvs"));
+    ASSERT_TRUE(script.open(QIODevice::WriteOnly));
+    script.write("Scope(\"[HIDE],1:[ADX_DATA:],[WAIT]\", \"\");\nLog(\"danach\");\n");
+    script.close();
+    struct Row {
+        QStringList answers;
+        int exitCode;
+        bool reachesTheEnd;
+    };
+    const Row rows[] = {
+        {{}, 1, false},
+        {{"--answer", "Scope=Abbrechen"}, 1, false},
+        {{"--answer", "Scope=Ignorieren", "--answer", "Scope=Weiter"}, 0, true},
+        {{"--answer", "Scope=Ignorieren"}, 0, true},  // the wait asks again: "Ignorieren" is no "Weiter"
+    };
+    for (const Row& r : rows) {
+        QProcess p;
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.remove("DISPLAY");
+        env.remove("WAYLAND_DISPLAY");
+        p.setProcessEnvironment(env);
+        p.setProcessChannelMode(QProcess::MergedChannels);
+        p.start(DV_BINARY_DIR "/host/dvrun", r.answers + QStringList{script.fileName()});
+        ASSERT_TRUE(p.waitForFinished(30000));
+        const QString out = QString::fromUtf8(p.readAll());
+        EXPECT_EQ(p.exitCode(), r.exitCode) << out.toStdString();
+        EXPECT_EQ(out.contains("\ndanach") || out.startsWith("danach"), r.reachesTheEnd) << out.toStdString();
+        EXPECT_TRUE(out.contains("Scope-Plugin: Keine Adx-Scopedaten vorhanden !")) << out.toStdString();
+    }
 }
 
 }  // namespace
