@@ -25,7 +25,7 @@ std::atomic<bool> g_waitEnabled{false};
 // A fault already reported and answered with Cancel: the run ends without a second dialog.
 struct TRunCancelled {};
 
-// The functions whose result is an array, and the one without a result.
+// The functions whose result is an array, written element by element.
 bool WritesArray(TScopeFnc f)
 {
     return f == TScopeFnc::DiffCurve || f == TScopeFnc::LowPass || f == TScopeFnc::BandPass || f == TScopeFnc::HighPass ||
