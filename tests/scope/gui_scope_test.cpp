@@ -9,6 +9,7 @@
 #include "scope/envelopefile.h"
 #include "scope/scopedialogs.h"
 #include "scope/scopemodel.h"
+#include "scope/scopesettings.h"
 #include "tests/host/scriptrun.h"
 
 #include <QProcess>
@@ -195,6 +196,8 @@ TEST_F(ScopeRun, ModelFollowsTheTags)
     EXPECT_EQ(m.Lines[0].color, 65535);
     EXPECT_DOUBLE_EQ(m.Lines[0].x, 0.2);
     EXPECT_EQ(m.FunctionLabel, "MITTELWERT");
+    EXPECT_EQ(ScopeSettings().ClipStop, "ms");  // resolved fields keep their values
+    EXPECT_EQ(ScopeSettings().UnitTextX, "ms");
     EXPECT_TRUE(m.ResultShown);
     EXPECT_EQ(analysis::ScopeStore().CurveValuesCount(1), 100);
 
@@ -232,6 +235,11 @@ TEST_F(ScopeRun, FaultsStopTheTestUnlessIgnored)
     EXPECT_TRUE(Logged("Scope-Plugin: Keine Adx-Scopedaten vorhanden !"));
     EXPECT_EQ(warnings.size(), 1);  // one dialog, answered with the default Abbrechen
     EXPECT_TRUE(adx.output.isEmpty());
+
+    // A channel beyond the curves is a fault of the run, not a crash.
+    const TScriptOutcome channel = Run("Scope(\"[HIDE],[FX:MID:9],[OUT:R]\", \"\");");
+    EXPECT_EQ(channel.exitCode, 1);
+    EXPECT_TRUE(Logged("Scope-Plugin: Fehler bei der Befehlsausführung !\nUngültige Kurvennummer 9"));
 
     SetHeadlessAnswers({"Scope=Ignorieren"});
     const TScriptOutcome ignored = Run("Scope(\"[HIDE],1:[IMAGE-R-L:3,FREQ:1]\", \"\");\nLog(\"danach\");");
