@@ -137,19 +137,36 @@ TEST_F(ScopeRun, ArrayResultsStartAtElementOne)
     EXPECT_EQ(none.output, QStringList{"weiter"});
 }
 
-TEST_F(ScopeRun, ArraySourceAndLowPassAgainstScipy)
+TEST_F(ScopeRun, ArraySourceThroughTheFiltersAgainstScipy)
 {
-    // A unit step from rest through a 2nd-order Butterworth low pass, cut-off 100 Hz at 1 kHz
-    // (scipy.signal.butter + sosfilt, printed by make_scope_refs.py).
-    const double expected[] = {0.0674552738890719, 0.27946588451591375, 0.5613995078216196, 0.7961258233903614,
-                               0.948030775260817,  1.0247597753060032,  1.0497529194461852, 1.0466457420566073};
-    const TScriptOutcome out = Run(
-        "var A : Array of Number;\nvar I : Number;\nfor I := 1 to 50 do A[I] := 1 end for\n"
-        "Scope(\"[CLR],[HIDE],3:[ARRAY:A,FREQ:1000],[FX:LOWPASS:1000:100:2:3],[OUT:S]\", \"\");\nLog(S);");
-    ASSERT_EQ(out.exitCode, 0) << out.errors.join('\n').toStdString();
-    // S{1} is the filter's second output sample.
-    const QStringList values = out.output[0].mid(1, out.output[0].size() - 2).split("}{");
-    for (int i = 1; i < 8; ++i) EXPECT_NEAR(values[i - 1].toDouble(), expected[i], 1e-9) << i;
+    // A unit step from rest through 2nd-order Butterworth filters at 1 kHz (scipy.signal.butter +
+    // sosfilt, printed by make_scope_refs.py). S{1} is the filter's second output sample.
+    struct Row {
+        QString fx;
+        std::array<double, 8> expected;
+    };
+    const Row rows[] = {
+        {"LOWPASS:1000:100:2:3",
+         {0.0674552738890719, 0.27946588451591375, 0.5613995078216196, 0.7961258233903614, 0.948030775260817,
+          1.0247597753060032, 1.0497529194461852, 1.0466457420566073}},
+        {"HIGHPASS:1000:100:2:3",
+         {0.6389455251590224, 0.09135675228285811, -0.1593387472473785, -0.21983329474212854, -0.18548988019699786,
+          -0.12126378109932945, -0.06203161848480887, -0.02084304784014057}},
+        {"BANDPASS:1000:100:200:2:3",
+         {0.06745527388907191, 0.19848503723207986, 0.17514433542044208, -0.06580326834384198, -0.28534558930961185,
+          -0.2836697521724008, -0.09867409517834341, 0.0894797862746382}},
+    };
+    for (const Row& r : rows) {
+        const TScriptOutcome out = Run("var A : Array of Number;\nvar I : Number;\nfor I := 1 to 50 do A[I] := 1 end for\n"
+                                       "Scope(\"[CLR],[HIDE],3:[ARRAY:A,FREQ:1000],[FX:" + r.fx + "],[OUT:S]\", \"\");\nLog(S);");
+        ASSERT_EQ(out.exitCode, 0) << out.errors.join('\n').toStdString();
+        const QStringList values = out.output[0].mid(1, out.output[0].size() - 2).split("}{");
+        ASSERT_EQ(values.size(), 49) << r.fx.toStdString();
+        for (int i = 1; i < 8; ++i) EXPECT_NEAR(values[i - 1].toDouble(), r.expected[static_cast<std::size_t>(i)], 1e-9) << r.fx.toStdString() << " " << i;
+    }
+    // The offset of a sine about 0.5 (the mean over its whole periods).
+    const QString sine = FileSource(Signal("sine.txt", 1000, 10000, [](double t) { return std::sin(2 * kPi * 50 * t + 0.3) + 0.5; }));
+    EXPECT_NEAR(Result("[CLR],[HIDE],1:[" + sine + "],[FX:OFFSET:1],[OUT:R]"), 0.5, 1e-3);
 }
 
 TEST_F(ScopeRun, EnvelopeVerdictAndCurvePatch)
