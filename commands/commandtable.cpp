@@ -11,6 +11,7 @@
 #include "commands/text/gui_stringbearbeitung.h"
 #include "framework/dvmiscfunctions.h"
 #include "framework/registry.h"
+#include "scope/gui_scope.h"
 
 #include <array>
 
@@ -30,6 +31,7 @@ constexpr std::array kCommandClasses{
     TCommandClass{"TDVCmdStringConversion", &Construct<TDVCmdStringConversion>},
     TCommandClass{"TDVCmdNumberConversion", &Construct<TDVCmdNumberConversion>},
     TCommandClass{"TDVCmdTextOut", &Construct<TDVCmdTextOut>},
+    TCommandClass{"TDVCmdScope", &Construct<TDVCmdScope>},
 };
 }  // namespace
 

@@ -1,0 +1,106 @@
+#include "scope/curvefile.h"
+
+#include "framework/exceptions.h"
+#include "framework/translate.h"
+
+#include <QFile>
+#include <QSaveFile>
+
+#include <charconv>
+#include <cmath>
+#include <optional>
+#include <string>
+
+namespace dv::scope {
+
+namespace {
+
+bool IsBlank(char c) { return c == ' ' || c == '\t' || c == '\r'; }
+
+std::string_view Trimmed(std::string_view s)
+{
+    while (!s.empty() && IsBlank(s.front())) s.remove_prefix(1);
+    while (!s.empty() && IsBlank(s.back())) s.remove_suffix(1);
+    return s;
+}
+
+// The whole field as a number, or none.
+std::optional<double> FieldNumber(std::string_view field)
+{
+    field = Trimmed(field);
+    if (field.empty()) return std::nullopt;
+    if (field.front() == '+') field.remove_prefix(1);
+    double value = 0;
+    auto [end, ec] = std::from_chars(field.data(), field.data() + field.size(), value);
+    if (ec == std::errc() && end == field.data() + field.size()) return std::isfinite(value) ? std::optional(value) : std::nullopt;
+    if (field.find('.') != std::string_view::npos || field.find(',') == std::string_view::npos) return std::nullopt;
+    std::string pointed(field);
+    for (char& c : pointed) {
+        if (c == ',') c = '.';
+    }
+    const char* last = pointed.data() + pointed.size();
+    auto [end2, ec2] = std::from_chars(pointed.data(), last, value);
+    if (ec2 != std::errc() || end2 != last || !std::isfinite(value)) return std::nullopt;
+    return value;
+}
+
+}  // namespace
+
+TCurvePoints ParseCurveText(std::string_view text, char separator)
+{
+    TCurvePoints points;
+    points.x.reserve(text.size() / 16);
+    points.y.reserve(text.size() / 16);
+    while (!text.empty()) {
+        const std::size_t eol = text.find('\n');
+        const std::string_view row = text.substr(0, eol);
+        text = eol == std::string_view::npos ? std::string_view() : text.substr(eol + 1);
+        const std::size_t cut = row.find(separator);
+        if (cut == std::string_view::npos) {
+            const std::optional<double> y = FieldNumber(row);
+            if (!y) continue;
+            points.x.push_back(static_cast<double>(points.y.size()));
+            points.y.push_back(*y);
+            continue;
+        }
+        const std::string_view rest = row.substr(cut + 1);
+        const std::optional<double> x = FieldNumber(row.substr(0, cut));
+        const std::optional<double> y = FieldNumber(rest.substr(0, rest.find(separator)));
+        if (!x || !y) continue;
+        points.x.push_back(*x);
+        points.y.push_back(*y);
+    }
+    return points;
+}
+
+TCurvePoints ReadCurveFile(const QString& path, char separator)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        throw TDravikException(Format(_("Die Kurvendatei %s kann nicht gelesen werden"), {path}));
+    }
+    const qint64 size = file.size();
+    if (size > 0) {
+        if (const uchar* mapped = file.map(0, size)) {
+            return ParseCurveText(std::string_view(reinterpret_cast<const char*>(mapped), static_cast<std::size_t>(size)), separator);
+        }
+    }
+    const QByteArray bytes = file.readAll();
+    return ParseCurveText(std::string_view(bytes.constData(), static_cast<std::size_t>(bytes.size())), separator);
+}
+
+void WriteCurveFile(const QString& path, const TCurvePoints& points, char separator)
+{
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly)) {
+        throw TDravikException(Format(_("Die Kurvendatei %s kann nicht geschrieben werden"), {path}));
+    }
+    QByteArray text;
+    for (std::size_t i = 0; i < points.x.size() && i < points.y.size(); ++i) {
+        text += QByteArray::number(points.x[i], 'g', 17) + separator + QByteArray::number(points.y[i], 'g', 17) + '\n';
+    }
+    file.write(text);
+    if (!file.commit()) throw TDravikException(Format(_("Die Kurvendatei %s kann nicht geschrieben werden"), {path}));
+}
+
+}  // namespace dv::scope

@@ -1,0 +1,26 @@
+#pragma once
+// Curve files: one point per row, fields split at a separator character. Rows with two or more
+// fields give x = field 1 and y = field 2; rows with one field give y, with x the row's index among
+// the curve's points. Rows whose fields are no numbers (headers, blank lines) are skipped. Numbers
+// are read as typed numbers are: "," is the decimal separator unless the field holds a ".".
+#include <QString>
+
+#include <string_view>
+#include <vector>
+
+namespace dv::scope {
+
+struct TCurvePoints {
+    std::vector<double> x;
+    std::vector<double> y;
+};
+
+// Reads the points of a file; raises TDravikException naming the file when it cannot be read.
+TCurvePoints ReadCurveFile(const QString& path, char separator);
+// The points of a file's text (exposed for tests).
+TCurvePoints ParseCurveText(std::string_view text, char separator);
+// Writes the points as rows "x<separator>y" with 17 significant digits and a decimal point, the
+// form ReadCurveFile reads back identically.
+void WriteCurveFile(const QString& path, const TCurvePoints& points, char separator);
+
+}  // namespace dv::scope

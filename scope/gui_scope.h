@@ -1,0 +1,56 @@
+#pragma once
+// Scope(Command, Special): decodes the tag language, fills curves 1-4 from their sources, runs one
+// analysis function, writes its result into a script variable and can hold the script until
+// "Weiter". The worker thread only moves the texts and waits; the rest runs on the GUI thread.
+#include "framework/runedit.h"
+#include "framework/services.h"
+#include "scope/scopesettings.h"
+
+#include <QString>
+
+#include <vector>
+
+namespace dv {
+
+namespace scope {
+
+// The scope of the library as a run sees it: the texts of the running call, the continue event,
+// and the run itself (decode, draw, analyse, show).
+class TScopeState {
+public:
+    // Decodes both texts into ScopeSettings(); a fault is reported (OK dialog, StopTest) and
+    // ends the decoding there. running false: an editor fill.
+    void DecodeScript(const QString& command, const QString& special, bool running);
+    // The run on the GUI thread: steps 2 to 12 of a call.
+    void Start();
+    // Writes elements 1 .. N-1 to ResultVar{1} .. ResultVar{N-1}; without a ResultVar the
+    // information message and nothing written.
+    void SendMemArrayContents(const std::vector<double>& values);
+    // "Weiter": ends a wait.
+    void Continue();
+
+    QString Command;
+    QString Special;
+    // Manual-reset: set by "Weiter", reset by each run.
+    TRunControl ContinueEvent;
+
+private:
+    void ClearScope();
+    void ApplyUnits();
+    void ApplyColors();
+    void DrawCurves();
+    void RunAnalysis();
+    void ShowOrHide();
+};
+
+TScopeState& Scope();
+
+}  // namespace scope
+
+class TDVCmdScope : public TDVThreadRunEdit {
+public:
+    explicit TDVCmdScope(TDVParser* parser);
+    void RunThreaded(TParamList& params) override;
+};
+
+}  // namespace dv
