@@ -1,5 +1,6 @@
 #include "host/cli.h"
 
+#include "commands/system/platform_process.h"
 #include "framework/forms/guiforms.h"
 #include "framework/headless.h"
 #include "framework/systemlog.h"
@@ -81,6 +82,7 @@ int RunScript(int& argc, char** argv, const TCliOptions& options, const QString&
     });
     const QString folder = options.project.isEmpty() ? QFileInfo(options.script).absolutePath() : options.project;
     host.SetProjectFolder(QDir::cleanPath(QDir(folder).absolutePath()));
+    SetProgramOutputFolder(QFileInfo(options.log.isEmpty() ? options.script : options.log).absolutePath());
     SetHeadlessAnswers(options.answers);
 
     TScriptRun run(options.script, host);

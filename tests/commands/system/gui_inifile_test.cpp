@@ -138,7 +138,7 @@ TEST(IniFileCrashTest, KilledWriterNeverLeavesAHalfFile)
     int rewritten = 0;
     for (int delayMs : {150, 230, 310}) {
         TChildProcess writer;
-        ASSERT_EQ(writer.Start({DV_BINARY_DIR "/host/dvrun", "--define", "F=" + file, script}, {}), "");
+        ASSERT_EQ(writer.Start({DV_BINARY_DIR "/host/dvrun", "--define", "F=" + file, script}, {}, STDERR_FILENO), "");
         std::this_thread::sleep_for(std::chrono::milliseconds(delayMs));
         ::kill(writer.Pid(), SIGKILL);
         ASSERT_EQ(writer.Wait(nullptr, 5000), TChildWait::Exited);
