@@ -173,6 +173,40 @@ Log("fertig")
     EXPECT_TRUE(QString::fromUtf8(shell.readAllStandardError()).contains(dir.filePath(logs.front())));
 }
 
+// SIGTERM (a CI time-out) and SIGHUP (a closed terminal) stop a run as Ctrl-C does: the waiting Exec
+// ends and asks its Kill program to end, the run fails with its reports written.
+TEST(ExecDvrunTest, AnyStopSignalEndsTheWaitTheProgramAndTheRunWithReports)
+{
+    for (const int signal : {SIGTERM, SIGHUP, SIGINT}) {
+        QTemporaryDir dir;
+        WriteFile(dir.filePath("run.dvs"), R"(Exec(ExePath := "sh", Params := "-c ""echo $$ > pid; exec sleep 60""", TimeOut := 120, Kill := True)
+Log("weiter")
+)");
+        QProcess dvrun;
+        dvrun.setWorkingDirectory(dir.path());
+        dvrun.start(DV_BINARY_DIR "/host/dvrun", {"--junit", "report.xml", "--log", "run.log", "run.dvs"});
+        pid_t program = 0;
+        for (int i = 0; i < 1000 && program <= 0; ++i) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+            program = ReadFile(dir.filePath("pid")).trimmed().toInt();
+        }
+        ASSERT_GT(program, 0) << "the program did not start";
+        ::kill(dvrun.processId(), signal);
+        const bool ended = dvrun.waitForFinished(20000);
+        bool programGone = false;
+        for (int i = 0; i < 500 && !(programGone = Ended(program)); ++i) std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        if (!programGone) ::kill(program, SIGKILL);
+        ASSERT_TRUE(ended) << strsignal(signal);
+        EXPECT_EQ(dvrun.exitStatus(), QProcess::NormalExit) << strsignal(signal);
+        EXPECT_EQ(dvrun.exitCode(), 1) << strsignal(signal);
+        EXPECT_TRUE(programGone) << strsignal(signal) << ": the Kill program still runs";
+        EXPECT_TRUE(QString::fromUtf8(dvrun.readAllStandardError()).contains("run.dvs:1: Test abgebrochen"));
+        EXPECT_FALSE(dvrun.readAllStandardOutput().contains("weiter"));
+        EXPECT_TRUE(ReadFile(dir.filePath("run.log")).contains("Test abgebrochen")) << strsignal(signal);
+        EXPECT_TRUE(ReadFile(dir.filePath("report.xml")).contains("Test abgebrochen")) << strsignal(signal);
+    }
+}
+
 TEST(ExecParamsTest, OlderLineFormAndTheEditorsWholeSeconds)
 {
     TDVCmdStartEXE exec(nullptr);
