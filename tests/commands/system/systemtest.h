@@ -186,6 +186,31 @@ inline QByteArray ReceiveSome(int fd, const TRunControl& quit)
 
 inline void SendBytes(int fd, const QByteArray& bytes) { ::send(fd, bytes.constData(), size_t(bytes.size()), MSG_NOSIGNAL); }
 
+// An endpoint made by hand wherever path points, as another program could make one.
+inline TSocketFd ListenAt(const QString& path)
+{
+    TSocketFd fd(::socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0));
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    QFile::encodeName(path).toStdString().copy(address.sun_path, sizeof address.sun_path - 1);
+    if (::bind(fd.Get(), reinterpret_cast<sockaddr*>(&address), sizeof address) != 0 || ::listen(fd.Get(), 8) != 0) {
+        throw std::runtime_error("test: cannot listen");
+    }
+    return fd;
+}
+
+// Sets an environment variable for the life of the object.
+struct TScopedEnvironment {
+    TScopedEnvironment(const char* name, const QByteArray& value) : name(name), old(qgetenv(name)), had(qEnvironmentVariableIsSet(name))
+    {
+        qputenv(name, value);
+    }
+    ~TScopedEnvironment() { had ? qputenv(name, old) : qunsetenv(name); }
+    const char* name;
+    QByteArray old;
+    bool had;
+};
+
 // A client that connects to a pipe endpoint and is never served: it takes a place in the queue.
 inline TSocketFd ConnectFiller(const QString& endpointPath)
 {
