@@ -1,5 +1,6 @@
 #include "host/cli.h"
 
+#include "commands/system/platform_process.h"
 #include "framework/forms/guiforms.h"
 #include "framework/headless.h"
 #include "framework/systemlog.h"
@@ -28,7 +29,10 @@ namespace {
 TRunControl* g_runControl = nullptr;
 std::atomic<int> g_interrupts{0};  // lock-free, so safe in a signal handler
 
-// The first Ctrl-C asks the run to stop; a second one ends the process at once.
+// Ctrl-C, a CI time-out (SIGTERM) and a closed terminal (SIGHUP) stop a run alike.
+constexpr int kStopSignals[] = {SIGINT, SIGTERM, SIGHUP};
+
+// The first stop signal asks the run to stop; a second one ends the process at once.
 void OnInterrupt(int)
 {
     if (g_interrupts++ > 0 || !g_runControl) _exit(1);
@@ -81,6 +85,7 @@ int RunScript(int& argc, char** argv, const TCliOptions& options, const QString&
     });
     const QString folder = options.project.isEmpty() ? QFileInfo(options.script).absolutePath() : options.project;
     host.SetProjectFolder(QDir::cleanPath(QDir(folder).absolutePath()));
+    SetProgramOutputFolder(QFileInfo(options.log.isEmpty() ? options.script : options.log).absolutePath());
     SetHeadlessAnswers(options.answers);
 
     TScriptRun run(options.script, host);
@@ -100,9 +105,9 @@ int RunScript(int& argc, char** argv, const TCliOptions& options, const QString&
     }
     std::setlocale(LC_NUMERIC, "C");  // the application object takes the user's locale
     g_runControl = &host.GetRunControl();
-    std::signal(SIGINT, OnInterrupt);
+    for (int s : kStopSignals) std::signal(s, OnInterrupt);
     run.Run();
-    std::signal(SIGINT, SIG_DFL);
+    for (int s : kStopSignals) std::signal(s, SIG_DFL);
     g_runControl = nullptr;
     SystemLog.SetSink({});
     return Finish(run.Report(), options);

@@ -2,12 +2,16 @@
 
 #include "commands/system/platform_process.h"
 #include "framework/intconvert.h"
+#include "framework/parser.h"
+#include "framework/systemlog.h"
 #include "framework/dvtools.h"
 #include "framework/exceptions.h"
 #include "framework/services.h"
 #include "framework/synchronize.h"
 #include "framework/translate.h"
 
+#include <QDir>
+#include <QFileInfo>
 #include <QGuiApplication>
 #include <QPointer>
 #include <QWindow>
@@ -80,10 +84,20 @@ private:
     std::vector<QPointer<QWindow>> hidden_;
 };
 
-[[noreturn]] void StartFailed(const QString& commandLine, const QString& error)
+// What a failed start names: the command line, the program as it was looked for and the working
+// directory it was to run in.
+struct TStartAttempt {
+    QString commandLine;
+    QString program;
+    QString workDir;
+};
+
+[[noreturn]] void StartFailed(const TStartAttempt& attempt, const QString& error)
 {
-    throw TDVRuntimeException(Format(_("Das Programm konnte nicht gestartet werden.\nBefehlszeile: %s\nFehler: %s"),
-                                     {commandLine, error}));
+    const QString dir = attempt.workDir.isEmpty() ? QDir::currentPath() : attempt.workDir;
+    throw TDVRuntimeException(Format(_("Das Programm konnte nicht gestartet werden.\nBefehlszeile: %s\nProgramm: %s\n"
+                                       "Arbeitsverzeichnis: %s\nFehler: %s"),
+                                     {attempt.commandLine, attempt.program, dir, error}));
 }
 
 }  // namespace
@@ -153,21 +167,25 @@ bool TDVCmdStartEXE::DecodeScript(const QString& script, TParamList& params, TDV
 
 void TDVCmdStartEXE::RunThreaded(TParamList& params)
 {
-    const QString exePath = params.GetString(kExePath);
-    QString workDir = params.GetString(kWorkDir);
+    const QString exePath = ResolveProjectPath(params.GetString(kExePath));
+    QString workDir = ResolveProjectPath(params.GetString(kWorkDir));
     const bool hide = StrToBoolEx(params.GetString(kHide), false);
     // Minimized has no counterpart: a started program opens its windows as it likes.
     const bool kill = StrToBoolEx(params.GetString(kKill), false);
     const std::uint32_t limitMs = ExecWaitLimitMs(NumberParam(params, kTimeOut), NumberParam(params, kDelay));
     if (workDir.isEmpty()) workDir = ExecDefaultWorkDir(exePath);
-    const QString commandLine = ExecCommandLine(exePath, params.GetString(kParams));
+    TStartAttempt attempt{ExecCommandLine(exePath, params.GetString(kParams)), {}, workDir};
 
     const THostHider hider(hide);
-    const auto argv = SplitCommandLine(commandLine);
-    if (!argv) StartFailed(commandLine, _("Anführungszeichen nicht geschlossen"));
-    if (argv->isEmpty()) StartFailed(commandLine, _("Keine Anwendung angegeben"));
+    QStringList argv = SplitCommandLine(attempt.commandLine);
+    if (argv.isEmpty()) StartFailed(attempt, _("Keine Anwendung angegeben"));
+    argv.front() = attempt.program = ResolveProgramPath(argv.front());
+    if (!workDir.isEmpty() && !QFileInfo(workDir).isDir()) StartFailed(attempt, _("Das Arbeitsverzeichnis existiert nicht"));
+    const TProgramOutput output;
+    if (output.Fd() < 0) StartFailed(attempt, Format(_("Ausgabedatei %s: %s"), {output.Path(), output.Error()}));
     TChildProcess child;
-    if (const QString error = child.Start(*argv, workDir); !error.isEmpty()) StartFailed(commandLine, error);
+    if (const QString error = child.Start(argv, workDir, output.Fd()); !error.isEmpty()) StartFailed(attempt, error);
+    SystemLog.Debug(Format(_("Ausgabe von %s (PID %d): %s"), {attempt.program, QString::number(child.Pid()), output.Path()}));
 
     std::int32_t result = kExecNotEnded;
     if (child.Wait(&TestEnvironment().GetRunControl(), limitMs) == TChildWait::Exited) {

@@ -34,6 +34,35 @@ void RefuseLineBreaks(const TDVCmdIniFiles::TFields& f)
     }
 }
 
+// Names the file could not give back: "]" ends a section name, "=" a key, a leading ";" or "#"
+// makes a comment, and an empty name is no name. Written, they would come back as other names and
+// every later write would add the entry again.
+void RefuseUnreadableNames(const TDVCmdIniFiles::TFields& f)
+{
+    for (const QString* name : {&f.section, &f.ident}) {
+        const QString t = name->trimmed();
+        if (t.isEmpty() || t.contains(']') || t.contains('=') || t.startsWith(';') || t.startsWith('#')) {
+            throw TDVRuntimeException(Format(_("Der Name \"%s\" kann nicht in eine INI-Datei geschrieben werden: "
+                                               "Namen dürfen nicht leer sein, kein \"]\" oder \"=\" enthalten und "
+                                               "nicht mit \";\" oder \"#\" beginnen."),
+                                             {*name}));
+        }
+    }
+}
+
+void RefuseWhatTheEncodingLacks(const TIniText& ini, const TDVCmdIniFiles::TFields& f, const QString& value)
+{
+    for (const QString* text : {&f.section, &f.ident, &value}) {
+        if (!ini.CanHold(*text)) {
+            throw TDVRuntimeException(Format(_("\"%s\" enthält Zeichen, die die INI-Datei %s in ihrer Kodierung "
+                                               "Windows-1252 nicht speichern kann"),
+                                             {*text, f.fileName}));
+        }
+    }
+}
+
+bool Writes(TIniMode mode) { return mode >= TIniMode::WriteInteger && mode <= TIniMode::DeleteSection; }
+
 // The text a write mode stores, converted as the classic INI class converts it.
 QString WriteText(TIniMode mode, const QString& value)
 {
@@ -143,6 +172,12 @@ void TDVCmdIniFiles::Start()
     const TIniModeRow* row = FindIniMode(fields_.mode);
     if (!row || row->mode == TIniMode::Open || row->mode == TIniMode::Close) return;
 
+    // Every read-modify-write under the file's lock, so that writers in other processes lose
+    // nothing; readers share it and never see a file written in place half-way.
+    const TFileLock lock(path, Writes(row->mode));
+    if (!lock.Error().isEmpty()) {
+        throw TDravikException(Format(_("Die INI-Datei %s ist gesperrt: %s"), {fields_.fileName, lock.Error()}));
+    }
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
         throw TDravikException(Format(_("Die INI-Datei %s kann nicht gelesen werden: %s"), {fields_.fileName, file.errorString()}));
@@ -164,17 +199,21 @@ void TDVCmdIniFiles::Start()
     case TIniMode::WriteInteger:
     case TIniMode::WriteFloat:
     case TIniMode::WriteString:
-    case TIniMode::WriteBoolean:
+    case TIniMode::WriteBoolean: {
         RefuseLineBreaks(f);
-        ini.WriteString(f.section, f.ident, WriteText(row->mode, f.value));
+        RefuseUnreadableNames(f);
+        const QString text = WriteText(row->mode, f.value);
+        RefuseWhatTheEncodingLacks(ini, f, text);
+        ini.WriteString(f.section, f.ident, text);
         break;
+    }
     case TIniMode::DeleteValue: ini.DeleteKey(f.section, f.ident); break;
     case TIniMode::DeleteSection: ini.EraseSection(f.section); break;
     default: return;
     }
     const QByteArray after = ini.Content();
     if (after == before) return;
-    const QString error = WriteFileAtomically(path, after);
+    const QString error = ReplaceFileContent(path, after);
     if (!error.isEmpty()) {
         throw TDravikException(Format(_("Die INI-Datei %s kann nicht geschrieben werden: %s"), {fields_.fileName, error}));
     }

@@ -1,71 +1,133 @@
 #include "commands/system/initext.h"
 
-#include <QList>
+#include "framework/typeconversion.h"
+
+#include <QStringDecoder>
+#include <QStringList>
+#include <QStringEncoder>
+
+#include <algorithm>
 
 namespace dv {
 
 namespace {
 
-const QByteArray kBom = QByteArrayLiteral("\xEF\xBB\xBF");
+const QByteArray kUtf8Bom = QByteArrayLiteral("\xEF\xBB\xBF");
+const QByteArray kUtf16LEBom = QByteArrayLiteral("\xFF\xFE");
+const QByteArray kUtf16BEBom = QByteArrayLiteral("\xFE\xFF");
 
-bool SameName(const QByteArray& a, const QString& b)
-{
-    return QString::fromUtf8(a).compare(b, Qt::CaseInsensitive) == 0;
-}
+bool SameName(const QString& a, const QString& b) { return a.compare(b.trimmed(), Qt::CaseInsensitive) == 0; }
 
 // The name of a "[name]" line; nullopt for any other line.
-std::optional<QByteArray> SectionName(const QByteArray& line)
+std::optional<QString> SectionName(const QString& line)
 {
-    const QByteArray t = line.trimmed();
+    const QString t = line.trimmed();
     const qsizetype close = t.indexOf(']');
     if (!t.startsWith('[') || close < 0) return std::nullopt;
     return t.mid(1, close - 1).trimmed();
 }
 
-bool IsComment(const QByteArray& trimmed) { return trimmed.startsWith(';') || trimmed.startsWith('#'); }
+bool IsComment(const QString& trimmed) { return trimmed.startsWith(';') || trimmed.startsWith('#'); }
 
 // The key of a "key=value" line; nullopt for comments, sections and lines without "=".
-std::optional<QByteArray> KeyName(const QByteArray& line)
+std::optional<QString> KeyName(const QString& line)
 {
-    const QByteArray t = line.trimmed();
+    const QString t = line.trimmed();
     const qsizetype eq = t.indexOf('=');
     if (t.isEmpty() || IsComment(t) || SectionName(t) || eq <= 0) return std::nullopt;
     return t.left(eq).trimmed();
 }
 
-QString ValueOf(const QByteArray& line)
+QString ValueOf(const QString& line)
 {
-    QByteArray v = line.mid(line.indexOf('=') + 1).trimmed();
+    QString v = line.mid(line.indexOf('=') + 1).trimmed();
     if (v.size() >= 2 && (v.front() == '"' || v.front() == '\'') && v.back() == v.front()) v = v.mid(1, v.size() - 2);
-    return QString::fromUtf8(v);
+    return v;
+}
+
+// Decodes with a byte order mark already taken off: a U+FEFF that follows is text, not a mark.
+QString Decode(QStringConverter::Encoding encoding, QByteArrayView bytes, bool* failed = nullptr)
+{
+    QStringDecoder decoder(encoding, QStringConverter::Flag::ConvertInitialBom);
+    QString text = decoder(bytes);
+    if (failed) *failed = decoder.hasError();
+    return text;
+}
+
+QByteArray Encode(QStringConverter::Encoding encoding, const QString& text)
+{
+    QStringEncoder encoder(encoding, QStringConverter::Flag::Default);
+    return encoder(text);
+}
+
+QString FromWindows1252(const QByteArray& bytes)
+{
+    QString text;
+    text.reserve(bytes.size());
+    for (char b : bytes) text += Chr1252(static_cast<unsigned char>(b));
+    return text;
+}
+
+bool InWindows1252(QChar c) { return c == '?' || Ord1252(c) != '?'; }
+
+// The text of a file and the encoding it was found in.
+QString DecodeFile(const QByteArray& content, TIniEncoding& encoding)
+{
+    if (content.startsWith(kUtf16LEBom)) {
+        encoding = TIniEncoding::Utf16LE;
+        return Decode(QStringConverter::Utf16LE, QByteArrayView(content).sliced(2));
+    }
+    if (content.startsWith(kUtf16BEBom)) {
+        encoding = TIniEncoding::Utf16BE;
+        return Decode(QStringConverter::Utf16BE, QByteArrayView(content).sliced(2));
+    }
+    if (content.startsWith(kUtf8Bom)) {
+        encoding = TIniEncoding::Utf8Bom;
+        return Decode(QStringConverter::Utf8, QByteArrayView(content).sliced(3));
+    }
+    bool invalid = false;
+    const QString text = Decode(QStringConverter::Utf8, content, &invalid);
+    encoding = invalid ? TIniEncoding::Windows1252 : TIniEncoding::Utf8;
+    return invalid ? FromWindows1252(content) : text;
 }
 
 }  // namespace
 
 TIniText::TIniText(const QByteArray& content)
 {
-    if (content.contains("\r\n")) eol_ = "\r\n";
-    finalEol_ = content.isEmpty() || content.endsWith('\n');
-    QByteArray text = content;
-    if (text.startsWith(kBom)) {
-        bom_ = kBom;
-        text.remove(0, bom_.size());
-    }
-    if (eol_ == "\r\n") text.replace("\r\n", "\n");
+    QString text = DecodeFile(content, encoding_);
+    if (text.contains(QStringLiteral("\r\n"))) eol_ = QStringLiteral("\r\n");
+    finalEol_ = text.isEmpty() || text.endsWith('\n');
+    if (eol_.size() == 2) text.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
     if (text.endsWith('\n')) text.chop(1);
     if (!content.isEmpty()) {
-        for (const QByteArray& line : text.split('\n')) lines_.push_back(line);
+        for (const QString& line : text.split('\n')) lines_.push_back(line);
     }
 }
 
 QByteArray TIniText::Content() const
 {
-    QByteArray out = bom_;
+    QString text;
     for (std::size_t i = 0; i < lines_.size(); ++i) {
-        out += lines_[i];
-        if (i + 1 < lines_.size() || finalEol_) out += eol_;
+        text += lines_[i];
+        if (i + 1 < lines_.size() || finalEol_) text += eol_;
     }
-    return out;
+    switch (encoding_) {
+    case TIniEncoding::Utf8: return text.toUtf8();
+    case TIniEncoding::Utf8Bom: return kUtf8Bom + text.toUtf8();
+    case TIniEncoding::Utf16LE: return kUtf16LEBom + Encode(QStringConverter::Utf16LE, text);
+    case TIniEncoding::Utf16BE: return kUtf16BEBom + Encode(QStringConverter::Utf16BE, text);
+    case TIniEncoding::Windows1252: break;
+    }
+    QByteArray bytes;
+    bytes.reserve(text.size());
+    for (QChar c : text) bytes += static_cast<char>(Ord1252(c));
+    return bytes;
+}
+
+bool TIniText::CanHold(const QString& text) const
+{
+    return encoding_ != TIniEncoding::Windows1252 || std::all_of(text.begin(), text.end(), InWindows1252);
 }
 
 std::optional<TIniText::TRange> TIniText::FindSection(const QString& section) const
@@ -100,16 +162,16 @@ std::optional<QString> TIniText::ReadString(const QString& section, const QStrin
 
 void TIniText::WriteString(const QString& section, const QString& ident, const QString& value)
 {
-    const QByteArray entry = '=' + value.toUtf8();
+    const QString entry = ident.trimmed() + '=' + value;
     const auto range = FindSection(section);
     if (!range) {
-        lines_.push_back('[' + section.toUtf8() + ']');
-        lines_.push_back(ident.toUtf8() + entry);
+        lines_.push_back('[' + section.trimmed() + ']');
+        lines_.push_back(entry);
         finalEol_ = true;
         return;
     }
     if (const auto key = FindKey(*range, ident)) {
-        lines_[*key] = *KeyName(lines_[*key]) + entry;
+        lines_[*key] = *KeyName(lines_[*key]) + '=' + value;
         return;
     }
     // After the section's last key, so that comments and blank lines before the next section stay
@@ -118,7 +180,7 @@ void TIniText::WriteString(const QString& section, const QString& ident, const Q
     for (std::size_t i = range->header + 1; i < range->end; ++i) {
         if (KeyName(lines_[i])) at = i + 1;
     }
-    lines_.insert(lines_.begin() + static_cast<std::ptrdiff_t>(at), ident.toUtf8() + entry);
+    lines_.insert(lines_.begin() + static_cast<std::ptrdiff_t>(at), entry);
     if (at == lines_.size() - 1) finalEol_ = true;
 }
 

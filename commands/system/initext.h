@@ -1,7 +1,8 @@
 #pragma once
 // An INI file held as its lines, so that a change touches only the line it concerns: comments,
-// blank lines, lines of other forms and the file's line endings stay as they were. Sections and
-// keys match without regard to case; the first section and the first key of a name count.
+// blank lines, lines of other forms, the file's line endings and its encoding stay as they were.
+// Sections and keys match without regard to case and to blanks around them, as on Windows; the
+// first section and the first key of a name count.
 #include <QByteArray>
 #include <QString>
 
@@ -10,15 +11,23 @@
 
 namespace dv {
 
+// How a file's text is stored: UTF-16 and UTF-8 with a byte order mark as they are found, UTF-8
+// without one, and Windows-1252 for a file that is not valid UTF-8.
+enum class TIniEncoding { Utf8, Utf8Bom, Utf16LE, Utf16BE, Windows1252 };
+
 class TIniText {
 public:
     explicit TIniText(const QByteArray& content = {});
+    // The lines in the file's own encoding.
     QByteArray Content() const;
+    TIniEncoding Encoding() const { return encoding_; }
+    // Whether the file's encoding can hold the text (Windows-1252 lacks most characters).
+    bool CanHold(const QString& text) const;
 
     // The value of a key: blanks around it removed and one pair of enclosing quotes taken off.
     std::optional<QString> ReadString(const QString& section, const QString& ident) const;
     // Replaces the key's value, or adds the key at the end of its section, or the section at the
-    // end of the file.
+    // end of the file. Names are written without the blanks around them.
     void WriteString(const QString& section, const QString& ident, const QString& value);
     void DeleteKey(const QString& section, const QString& ident);
     // Removes the section's header and every line up to the next section.
@@ -35,9 +44,9 @@ private:
     std::optional<TRange> FindSection(const QString& section) const;
     std::optional<std::size_t> FindKey(const TRange& range, const QString& ident) const;
 
-    std::vector<QByteArray> lines_;
-    QByteArray bom_;  // a UTF-8 byte order mark the file starts with, kept as it was
-    QByteArray eol_ = "\n";
+    std::vector<QString> lines_;
+    TIniEncoding encoding_ = TIniEncoding::Utf8;
+    QString eol_ = QStringLiteral("\n");
     bool finalEol_ = true;
 };
 

@@ -7,6 +7,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 
 #include <fcntl.h>
 #include <poll.h>
@@ -18,12 +19,15 @@
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
+#include <climits>
 
 namespace dv::localpipe {
 
 namespace {
 
 const QString kLocalPrefix = QStringLiteral("\\\\.\\pipe\\");
+// The part of a socket's send buffer that a Unix-domain packet cannot use.
+constexpr int kPacketOverhead = 32;
 
 [[noreturn]] void Fail(const QString& reason)
 {
@@ -63,13 +67,30 @@ TSocketFd TryConnect(const QString& path, int& error)
     return fd;
 }
 
+// The endpoint folder must be the user's own and writable by nobody else: in a folder another user
+// controls, that user could put an endpoint of their own, take the call and forge the reply. A
+// folder that is not there yet is no danger; the connect tries wait for a server to make it.
+void CheckEndpointFolder(const QString& endpointPath)
+{
+    const QString folder = QFileInfo(endpointPath).path();
+    struct stat info{};
+    if (::lstat(QFile::encodeName(folder).constData(), &info) != 0) return;
+    if (!S_ISDIR(info.st_mode) || info.st_uid != ::geteuid() || (info.st_mode & (S_IWGRP | S_IWOTH)) != 0) {
+        Fail(Format(_("Das Pipe-Verzeichnis %s gehört nicht dem Benutzer oder ist für andere beschreibbar; "
+                      "die Pipe wird nicht benutzt."),
+                    {folder}));
+    }
+}
+
 TSocketFd ConnectWithRetry(const QString& path, const TRunControl* stop, const TConnectTimings& timings)
 {
+    CheckEndpointFolder(path);
     int error = 0;
     TSocketFd fd = TryConnect(path, error);
     const auto start = std::chrono::steady_clock::now();
     while (!fd.Valid()) {
         if (WaitForEvents({}, stop, timings.retryWaitMs) == TWaitResult::Stopped) Fail(SystemText(error));
+        CheckEndpointFolder(path);
         fd = TryConnect(path, error);
         if (fd.Valid()) break;
         if (std::chrono::steady_clock::now() - start > std::chrono::milliseconds(timings.connectLimitMs)) {
@@ -79,12 +100,37 @@ TSocketFd ConnectWithRetry(const QString& path, const TRunControl* stop, const T
     return fd;
 }
 
+// Makes the socket's send buffer large enough for one packet of the message, as far as the system
+// allows (net.core.wmem_max); the kernel doubles what it is asked for.
+void FitSendBuffer(int fd, qsizetype messageSize)
+{
+    int size = 0;
+    socklen_t length = sizeof size;
+    if (::getsockopt(fd, SOL_SOCKET, SO_SNDBUF, &size, &length) != 0 || size >= messageSize + kPacketOverhead) return;
+    const int wanted = static_cast<int>(std::min<qsizetype>(messageSize + kPacketOverhead, INT_MAX / 2));
+    ::setsockopt(fd, SOL_SOCKET, SO_SNDBUF, &wanted, sizeof wanted);
+}
+
+int LargestMessage(int fd)
+{
+    int size = 0;
+    socklen_t length = sizeof size;
+    ::getsockopt(fd, SOL_SOCKET, SO_SNDBUF, &size, &length);
+    return std::max(0, size - kPacketOverhead);
+}
+
 // Sends the message as one packet; false when the stop event came first.
 bool SendMessage(int fd, const QByteArray& message, const TRunControl* stop)
 {
+    FitSendBuffer(fd, message.size());
     for (;;) {
         if (::send(fd, message.constData(), static_cast<size_t>(message.size()), MSG_NOSIGNAL) >= 0) return true;
         if (errno == EINTR) continue;
+        if (errno == EMSGSIZE) {
+            Fail(Format(_("Die Nachricht ist mit %d Bytes zu lang: das System lässt höchstens %d Bytes in einer "
+                          "Nachricht zu."),
+                        {QString::number(message.size()), QString::number(LargestMessage(fd))}));
+        }
         if (errno != EAGAIN) Fail(qt_error_string(errno));
         if (WaitForEvents({{fd, POLLOUT}}, stop, -1) == TWaitResult::Stopped) return false;
     }
@@ -170,7 +216,8 @@ TSocketFd ListenEndpoint(const QString& endpointName, int backlog)
         throw TDravikException(Format(_("Das Pipe-Verzeichnis %s kann nicht angelegt werden: %s"), {directory, reason}));
     }
     struct stat info{};
-    if (::lstat(dir.constData(), &info) != 0 || !S_ISDIR(info.st_mode) || info.st_uid != ::getuid()) {
+    if (::lstat(dir.constData(), &info) != 0 || !S_ISDIR(info.st_mode) || info.st_uid != ::geteuid() ||
+        (info.st_mode & (S_IWGRP | S_IWOTH)) != 0) {
         throw TDravikException(Format(_("Das Pipe-Verzeichnis %s ist kein eigenes Verzeichnis."), {directory}));
     }
     const QString path = EndpointPath(endpointName);

@@ -1,5 +1,8 @@
 #include "commands/system/platform_files.h"
 
+#include "framework/translate.h"
+
+#include <QDir>
 #include <QFileInfo>
 
 #include <dirent.h>
@@ -8,11 +11,14 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <string>
+#include <thread>
 
 namespace dv {
 
@@ -75,6 +81,15 @@ bool HoldsLock(const QByteArray& path)
     return locked;
 }
 
+constexpr char kTempSuffix[] = ".XXXXXX";
+
+// The file a name stands for: a symbolic link is followed.
+QByteArray TargetPath(const QString& path)
+{
+    const QFileInfo info(path);
+    return QFile::encodeName(info.exists() ? info.canonicalFilePath() : info.absoluteFilePath());
+}
+
 bool WriteAll(int fd, const char* data, qsizetype size)
 {
     while (size > 0) {
@@ -91,21 +106,27 @@ bool WriteAll(int fd, const char* data, qsizetype size)
 // removed when the writer ends without a commit.
 class TAtomicWriter {
 public:
-    // mode: the permissions the new file gets.
-    TAtomicWriter(const QString& target, mode_t mode)
+    // mode: the permissions the new file gets; owner: the file whose owner and group it gets,
+    // when it has one.
+    TAtomicWriter(const QString& target, mode_t mode, const struct stat* owner = nullptr)
     {
-        const QFileInfo info(target);
-        target_ = (info.exists() ? info.canonicalFilePath() : info.absoluteFilePath()).toLocal8Bit();
+        target_ = TargetPath(target);
         dir_ = QFileInfo(QString::fromLocal8Bit(target_)).absolutePath().toLocal8Bit();
-        temp_ = dir_ + "/." + QFileInfo(QString::fromLocal8Bit(target_)).fileName().toLocal8Bit() + ".XXXXXX";
+        temp_ = dir_ + "/." + QFileInfo(QString::fromLocal8Bit(target_)).fileName().toLocal8Bit() + kTempSuffix;
         fd_ = ::mkostemp(temp_.data(), O_CLOEXEC);
         if (fd_ < 0) {
             error_ = errno;
             return;
         }
         created_ = true;
-        ::fchmod(fd_, mode);
+        if (owner && (owner->st_uid != ::geteuid() || owner->st_gid != ::getegid()) &&
+            ::fchown(fd_, owner->st_uid, owner->st_gid) != 0) {
+            ownerKept_ = false;
+        }
+        ::fchmod(fd_, mode);  // after fchown, which may clear the set-id bits
     }
+    // False when the new file could not take the old one's owner.
+    bool OwnerKept() const { return ownerKept_; }
     ~TAtomicWriter()
     {
         if (fd_ >= 0) ::close(fd_);
@@ -144,6 +165,7 @@ private:
     int error_ = 0;
     bool created_ = false;
     bool committed_ = false;
+    bool ownerKept_ = true;
 };
 
 mode_t ModeOf(const QByteArray& path, mode_t fallback)
@@ -177,11 +199,91 @@ bool IsFileInUse(const QString& path)
     return OpenedElsewhere(file) || HoldsLock(name);
 }
 
-QString WriteFileAtomically(const QString& path, const QByteArray& content)
+TFileLock::TFileLock(const QString& path, bool exclusive, int waitMs)
 {
-    TAtomicWriter writer(path, ModeOf(path.toLocal8Bit(), DefaultMode()));
-    writer.Write(content.constData(), content.size());
-    return writer.Commit();
+    const QByteArray target = TargetPath(path);
+    const QFileInfo info(QFile::decodeName(target));
+    const QByteArray lockFile = QFile::encodeName(info.absolutePath() + QStringLiteral("/.") + info.fileName() + QStringLiteral(".lock"));
+    fd_ = ::open(lockFile.constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0666);
+    if (fd_ < 0) fd_ = ::open(lockFile.constData(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW);
+    if (fd_ < 0) fd_ = ::open(target.constData(), O_RDONLY | O_CLOEXEC);
+    if (fd_ < 0) {
+        error_ = ErrorText(errno);
+        return;
+    }
+    using Clock = std::chrono::steady_clock;
+    const auto deadline = Clock::now() + std::chrono::milliseconds(waitMs);
+    auto pause = std::chrono::milliseconds(1);
+    while (::flock(fd_, (exclusive ? LOCK_EX : LOCK_SH) | LOCK_NB) != 0) {
+        if (errno == EINTR) continue;
+        if (errno != EWOULDBLOCK) {
+            error_ = ErrorText(errno);
+            return;
+        }
+        if (Clock::now() >= deadline) {
+            error_ = Format(_("Eine andere Anwendung hält die Sperre %s seit mehr als %d ms."),
+                            {QFile::decodeName(lockFile), QString::number(waitMs)});
+            return;
+        }
+        std::this_thread::sleep_for(pause);
+        pause = std::min(pause * 2, std::chrono::milliseconds(5));
+    }
+}
+
+TFileLock::~TFileLock()
+{
+    if (fd_ >= 0) ::close(fd_);  // closing releases the lock
+}
+
+namespace {
+
+// Temporary files of this file that a writer left when it was killed: ".<name>." and the six
+// letters or digits mkostemp puts in place of the X.
+void RemoveLeftoverTemporaries(const QByteArray& target)
+{
+    const QFileInfo info(QFile::decodeName(target));
+    const QString prefix = '.' + info.fileName() + '.';
+    const qsizetype randomPart = static_cast<qsizetype>(sizeof kTempSuffix) - 2;  // less the dot and the final zero
+    const QDir dir = info.absoluteDir();
+    for (const QString& name : dir.entryList(QDir::Files | QDir::Hidden | QDir::System)) {
+        if (name.size() != prefix.size() + randomPart || !name.startsWith(prefix)) continue;
+        const QStringView random = QStringView(name).sliced(prefix.size());
+        if (std::all_of(random.begin(), random.end(), [](QChar c) { return c.isLetterOrNumber() && c.unicode() < 128; })) {
+            ::unlink(QFile::encodeName(dir.filePath(name)).constData());
+        }
+    }
+}
+
+// Rewrites the file in place: not a single step, so only under the lock.
+QString WriteInPlace(const QByteArray& target, const QByteArray& content)
+{
+    const int fd = ::open(target.constData(), O_WRONLY | O_CLOEXEC);
+    if (fd < 0) return ErrorText(errno);
+    int error = 0;
+    if (!WriteAll(fd, content.constData(), content.size()) || ::ftruncate(fd, content.size()) != 0 || ::fsync(fd) != 0) {
+        error = errno ? errno : EIO;
+    }
+    if (::close(fd) != 0 && error == 0) error = errno;
+    return error == 0 ? QString() : ErrorText(error);
+}
+
+}  // namespace
+
+QString ReplaceFileContent(const QString& path, const QByteArray& content)
+{
+    const QByteArray target = TargetPath(path);
+    struct stat old {};
+    if (::stat(target.constData(), &old) != 0) return ErrorText(errno);
+    RemoveLeftoverTemporaries(target);
+    const QByteArray dir = QFile::encodeName(QFileInfo(QFile::decodeName(target)).absolutePath());
+    if (::access(dir.constData(), W_OK | X_OK) == 0) {
+        TAtomicWriter writer(QFile::decodeName(target), old.st_mode & 07777, &old);
+        if (writer.OwnerKept()) {
+            writer.Write(content.constData(), content.size());
+            return writer.Commit();
+        }
+    }
+    return WriteInPlace(target, content);
 }
 
 QString CopyFileAtomically(const QString& source, const QString& target)

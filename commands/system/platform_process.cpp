@@ -3,6 +3,9 @@
 #include "framework/services.h"
 #include "framework/waitevents.h"
 
+#include <QDir>
+#include <QFile>
+
 #include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
@@ -15,6 +18,7 @@
 #include <cerrno>
 #include <chrono>
 #include <climits>
+#include <mutex>
 #include <cstring>
 #include <thread>
 #include <vector>
@@ -23,53 +27,70 @@ extern char** environ;
 
 namespace dv {
 
-std::optional<QStringList> SplitCommandLine(const QString& commandLine)
+namespace {
+
+bool IsBlank(QChar c) { return c == ' ' || c == '\t'; }
+
+// The program name: quoted up to the next quote, else up to the first blank; no escapes.
+QString TakeProgramName(const QString& line, qsizetype& i)
 {
-    QStringList words;
+    while (i < line.size() && IsBlank(line[i])) ++i;
+    const bool quoted = i < line.size() && line[i] == '"';
+    if (quoted) ++i;
+    const qsizetype start = i;
+    while (i < line.size() && (quoted ? line[i] != '"' : !IsBlank(line[i]))) ++i;
+    const QString name = line.mid(start, i - start);
+    if (quoted && i < line.size()) ++i;
+    return name;
+}
+
+}  // namespace
+
+QStringList SplitCommandLine(const QString& commandLine)
+{
+    qsizetype i = 0;
+    QStringList words{TakeProgramName(commandLine, i)};
+    if (words.front().isEmpty() && i >= commandLine.size()) return {};
     QString word;
     bool inWord = false;
-    enum { Plain, Single, Double } state = Plain;
-    for (qsizetype i = 0; i < commandLine.size(); ++i) {
+    bool quoted = false;
+    while (i < commandLine.size()) {
         const QChar c = commandLine[i];
-        const bool hasNext = i + 1 < commandLine.size();
-        switch (state) {
-        case Plain:
-            if (c == ' ' || c == '\t' || c == '\n') {
-                if (inWord) words << word;
-                word.clear();
-                inWord = false;
-            } else if (c == '\'') {
-                state = Single;
-                inWord = true;
-            } else if (c == '"') {
-                state = Double;
-                inWord = true;
-            } else if (c == '\\' && hasNext) {
-                word += commandLine[++i];
-                inWord = true;
+        if (c == '\\') {
+            qsizetype run = 0;
+            while (i < commandLine.size() && commandLine[i] == '\\') ++run, ++i;
+            const bool beforeQuote = i < commandLine.size() && commandLine[i] == '"';
+            word += QString(beforeQuote ? run / 2 : run, '\\');
+            if (beforeQuote && run % 2 == 1) word += commandLine[i++];
+            inWord = true;
+        } else if (c == '"') {
+            if (quoted && i + 1 < commandLine.size() && commandLine[i + 1] == '"') {
+                word += '"';
+                ++i;
             } else {
-                word += c;
-                inWord = true;
+                quoted = !quoted;
             }
-            break;
-        case Single:
-            if (c == '\'') state = Plain;
-            else word += c;
-            break;
-        case Double:
-            if (c == '"') {
-                state = Plain;
-            } else if (c == '\\' && hasNext && QStringLiteral("\\\"$`\n").contains(commandLine[i + 1])) {
-                word += commandLine[++i];
-            } else {
-                word += c;
-            }
-            break;
+            inWord = true;
+            ++i;
+        } else if (IsBlank(c) && !quoted) {
+            if (inWord) words << word;
+            word.clear();
+            inWord = false;
+            ++i;
+        } else {
+            word += c;
+            inWord = true;
+            ++i;
         }
     }
-    if (state != Plain) return std::nullopt;
     if (inWord) words << word;
     return words;
+}
+
+QString ResolveProgramPath(const QString& program)
+{
+    if (!program.contains('/') || program.startsWith('/')) return program;
+    return QDir::cleanPath(QDir::current().absoluteFilePath(program));
 }
 
 namespace {
@@ -118,7 +139,35 @@ struct TSpawnSetup {
     }
 };
 
+std::mutex g_outputFolderMutex;
+QString g_outputFolder;
+
 }  // namespace
+
+void SetProgramOutputFolder(const QString& folder)
+{
+    std::lock_guard lock(g_outputFolderMutex);
+    g_outputFolder = folder;
+}
+
+QString ProgramOutputPath()
+{
+    std::lock_guard lock(g_outputFolderMutex);
+    const QString folder = g_outputFolder.isEmpty() ? QDir::currentPath() : g_outputFolder;
+    return QDir(folder).absoluteFilePath(QStringLiteral("exec-%1.log").arg(::getpid()));
+}
+
+TProgramOutput::TProgramOutput()
+    : path_(ProgramOutputPath()),
+      fd_(::open(QFile::encodeName(path_).constData(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0666))
+{
+    if (fd_ < 0) error_ = ErrorText(errno);
+}
+
+TProgramOutput::~TProgramOutput()
+{
+    if (fd_ >= 0) ::close(fd_);
+}
 
 TChildProcess::~TChildProcess()
 {
@@ -132,7 +181,7 @@ TChildProcess::~TChildProcess()
     if (pidfd_ >= 0) ::close(pidfd_);
 }
 
-QString TChildProcess::Start(const QStringList& argv, const QString& workDir)
+QString TChildProcess::Start(const QStringList& argv, const QString& workDir, int outputFd)
 {
     if (argv.isEmpty()) return ErrorText(ENOENT);
     std::vector<QByteArray> words;
@@ -153,6 +202,8 @@ QString TChildProcess::Start(const QStringList& argv, const QString& workDir)
     posix_spawnattr_setsigdefault(&setup.attr, &all);
     posix_spawnattr_setflags(&setup.attr, POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
     posix_spawn_file_actions_addopen(&setup.actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+    posix_spawn_file_actions_adddup2(&setup.actions, outputFd, STDOUT_FILENO);
+    posix_spawn_file_actions_adddup2(&setup.actions, outputFd, STDERR_FILENO);
     posix_spawn_file_actions_addclosefrom_np(&setup.actions, STDERR_FILENO + 1);  // no inherited handles
     const QByteArray dir = workDir.toLocal8Bit();
     if (!dir.isEmpty()) posix_spawn_file_actions_addchdir_np(&setup.actions, dir.constData());

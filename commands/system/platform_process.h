@@ -5,18 +5,48 @@
 #include <QStringList>
 
 #include <cstdint>
-#include <optional>
 #include <sys/types.h>
 
 namespace dv {
 
 class TRunControl;
 
-// Splits a command line into words the way a POSIX shell does, without expanding anything:
-// blanks separate words, '...' keeps everything literally, "..." keeps everything but lets a
-// backslash escape \ " $ ` and a line break, a backslash outside quotes takes the next character
-// literally. nullopt when a quote is left open.
-std::optional<QStringList> SplitCommandLine(const QString& commandLine);
+// Splits a command line into words the way a Windows program reads its command line, so that
+// parameter texts written for Windows stations keep their meaning. The program name comes first:
+// up to the next quote when it starts with one, else up to the first blank, with backslashes as
+// they stand. The arguments after it follow the C runtime's rules: blanks separate words outside
+// quotes; a run of backslashes is literal unless a quote follows it, then each pair gives one
+// backslash and an odd one out makes the quote literal; "" inside quotes is one literal quote;
+// ' is an ordinary character. A quote left open runs to the end of the line.
+QStringList SplitCommandLine(const QString& commandLine);
+
+// A program path that holds a '/' and is relative is taken from the current directory, before the
+// child changes to its working directory; a bare name stays as it is for the PATH search.
+QString ResolveProgramPath(const QString& program);
+
+// Where started programs write their output, so that they never hold the host's own output open:
+// the file exec-<pid of the host>.log in the folder the host names (dvrun: the folder of its log,
+// else the script's folder), in the current directory while none is named.
+void SetProgramOutputFolder(const QString& folder);
+QString ProgramOutputPath();
+
+// The output file, opened for appending (created when missing); Fd() -1 and Error() the system's
+// text when that failed.
+class TProgramOutput {
+public:
+    TProgramOutput();
+    ~TProgramOutput();
+    TProgramOutput(const TProgramOutput&) = delete;
+    TProgramOutput& operator=(const TProgramOutput&) = delete;
+    int Fd() const { return fd_; }
+    const QString& Path() const { return path_; }
+    const QString& Error() const { return error_; }
+
+private:
+    QString path_;
+    QString error_;
+    int fd_;
+};
 
 enum class TChildWait {
     Exited,    // the program ended; ExitCode() holds its code
@@ -33,9 +63,10 @@ public:
     TChildProcess(const TChildProcess&) = delete;
     TChildProcess& operator=(const TChildProcess&) = delete;
 
-    // Starts argv[0] (searched on PATH when it holds no '/') with stdin from /dev/null, in
-    // workDir unless that is empty. On failure returns the system's error text, else empty.
-    QString Start(const QStringList& argv, const QString& workDir);
+    // Starts argv[0] (searched on PATH when it holds no '/') with stdin from /dev/null and stdout
+    // and stderr on outputFd, in workDir unless that is empty. On failure returns the system's
+    // error text, else empty.
+    QString Start(const QStringList& argv, const QString& workDir, int outputFd);
 
     // Waits for the end of the program, the stop event (may be null) and the limit at once.
     // 0xFFFFFFFF means no limit, as the Windows wait treats it.

@@ -69,16 +69,35 @@ struct TClient {
     bool pipe;
 };
 
+// A pipe message is answered whole, however long: the packet is measured before it is read, and
+// the send buffer is made to hold it as far as the system allows.
+bool AnswerPipe(int fd)
+{
+    char probe;
+    const ssize_t size = ::recv(fd, &probe, 1, MSG_PEEK | MSG_TRUNC);
+    if (size < 0) return errno == EINTR;
+    QByteArray message(size, Qt::Uninitialized);
+    const ssize_t n = ::recv(fd, message.data(), static_cast<size_t>(message.size()), 0);
+    if (n < 0) return errno == EINTR;
+    int buffer = 0;
+    socklen_t length = sizeof buffer;
+    if (::getsockopt(fd, SOL_SOCKET, SO_SNDBUF, &buffer, &length) == 0 && buffer < n + 64) {
+        const int wanted = static_cast<int>(n) + 64;
+        ::setsockopt(fd, SOL_SOCKET, SO_SNDBUF, &wanted, sizeof wanted);
+    }
+    if (::send(fd, message.constData(), static_cast<size_t>(n), MSG_NOSIGNAL) < 0) {
+        std::fprintf(stderr, "dvpipe-echo: %zd bytes not echoed: %s\n", n, std::strerror(errno));
+    }
+    return false;
+}
+
 // Answers one readable client; false when the connection is done.
 bool Answer(TClient& client)
 {
+    if (client.pipe) return AnswerPipe(client.fd.Get());
     char buffer[65536];
     const ssize_t n = ::recv(client.fd.Get(), buffer, sizeof buffer, 0);
     if (n < 0) return errno == EINTR;
-    if (client.pipe) {
-        ::send(client.fd.Get(), buffer, static_cast<size_t>(n), MSG_NOSIGNAL);
-        return false;
-    }
     if (n == 0) return false;
     QByteArray reply(buffer, n);
     reply += "\r\n";

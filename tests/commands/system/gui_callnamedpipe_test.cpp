@@ -3,7 +3,10 @@
 #include "commands/system/gui_tcp.h"
 #include "tests/commands/system/systemtest.h"
 
+#include <QDir>
 #include <QProcess>
+
+#include <sys/stat.h>
 
 namespace dv {
 namespace {
@@ -113,6 +116,56 @@ TEST_F(CallNamedPipeTest, StopEndsAPendingTransactionWithAnEmptyReplyWithin100Ms
     EXPECT_EQ(host.setVariableCalls, QStringList{"Antwort"});
 }
 
+// In a folder that another user owns or may write to, someone else could serve the call and forge
+// the reply: such a folder is refused before anything is sent.
+TEST_F(CallNamedPipeTest, OnlyAnEndpointFolderOfTheUserClosedToOthersIsTrusted)
+{
+    QTemporaryDir runtime;
+    const TScopedEnvironment environment("XDG_RUNTIME_DIR", QFile::encodeName(runtime.path()));
+    const QString folder = localpipe::EndpointDirectory();
+    ASSERT_TRUE(folder.startsWith(runtime.path()) && QDir().mkdir(folder));
+    std::atomic<int> served{0};
+    TTestServer forger(ListenAt(folder + "/p"), [&](int fd, const TRunControl& quit) {
+        ++served;
+        ReceiveSome(fd, quit);
+        SendBytes(fd, "forged");
+    });
+    const QByteArray dir = QFile::encodeName(folder);
+    const struct {
+        const char* what;
+        mode_t mode;
+        uid_t owner;
+    } rows[] = {
+        {"writable by others", 0777, ::geteuid()},
+        {"writable by its group", 0770, ::geteuid()},
+        {"another user's", 0700, kOtherUser},  // only root can give a folder away
+    };
+    for (const auto& row : rows) {
+        if (row.owner != ::geteuid() && ::geteuid() != 0) continue;
+        ASSERT_EQ(::chown(dir.constData(), row.owner, ::getegid()), 0);
+        ASSERT_EQ(::chmod(dir.constData(), row.mode), 0);
+        EXPECT_TRUE(Run("p", "x").contains("Pipe-Verzeichnis")) << row.what;
+    }
+    EXPECT_EQ(served, 0);
+    ASSERT_EQ(::chown(dir.constData(), ::geteuid(), ::getegid()), 0);
+    ASSERT_EQ(::chmod(dir.constData(), 0700), 0);
+    EXPECT_EQ(Run("p", "x"), "forged");  // the user's own closed folder is served
+}
+
+TEST_F(CallNamedPipeTest, LongMessagesArriveWholeAndTooLongOnesNameTheLimit)
+{
+    TPipeServer server([](int fd, const TRunControl& quit) {
+        if (WaitForEvents({{fd, POLLIN}}, &quit, 5000) != TWaitResult::Ready) return;
+        QByteArray message(1 << 20, '\0');
+        SendBytes(fd, QByteArray::number(qint64(::recv(fd, message.data(), size_t(message.size()), 0))));
+    });
+    EXPECT_EQ(Run(server.name, QString(300000, 'm')), "300000");  // past the default send buffer
+    // A send buffer grows to twice net.core.wmem_max at most: a message that long cannot go.
+    const qsizetype beyond = 2 * ReadFile("/proc/sys/net/core/wmem_max").trimmed().toLongLong() + 1;
+    const QString tooLong = Run(server.name, QString(beyond, 'm'));
+    EXPECT_TRUE(tooLong.contains(QString::number(beyond) + " Bytes zu lang") && tooLong.contains("höchstens")) << tooLong.toStdString();
+}
+
 TEST_F(CallNamedPipeTest, TheEchoServerAnswersPipeAndTcp)
 {
     const QString name = UniquePipeName();
@@ -123,6 +176,18 @@ TEST_F(CallNamedPipeTest, TheEchoServerAnswersPipeAndTcp)
     ASSERT_TRUE(echo.waitForReadyRead(5000)) << "dvpipe-echo did not start";
     ASSERT_EQ(echo.readLine().trimmed(), "ready");
     EXPECT_EQ(Run(name, "PING"), "PING");
+    // A message longer than any fixed buffer comes back whole.
+    const TSocketFd raw = ConnectFiller(localpipe::EndpointPath(name));
+    const int bufferSize = 1 << 20;
+    ::setsockopt(raw.Get(), SOL_SOCKET, SO_SNDBUF, &bufferSize, sizeof bufferSize);
+    QByteArray message;
+    for (int i = 0; message.size() < 200000; ++i) message += QByteArray::number(i) + ' ';
+    ASSERT_EQ(::send(raw.Get(), message.constData(), size_t(message.size()), MSG_NOSIGNAL), message.size());
+    QByteArray echoed(message.size() + 1, '\0');
+    TRunControl never;
+    ASSERT_EQ(WaitForEvents({{raw.Get(), POLLIN}}, &never, 5000), TWaitResult::Ready);
+    echoed.resize(::recv(raw.Get(), echoed.data(), size_t(echoed.size()), 0));
+    EXPECT_TRUE(echoed == message) << echoed.size() << " of " << message.size() << " bytes";
     TDVCmdTCP tcp(&host);
     TParamList params = ParamsOf(
         {{"Host", "127.0.0.1"}, {"Port", QString::number(port)}, {"Send", "TCP-PING"}, {"Sentinel", "[10]"}, {"Result", "Antwort"}});

@@ -2,10 +2,20 @@
 
 #include "tests/commands/system/systemtest.h"
 
+#include <QDir>
+
+#include <csignal>
+
 namespace dv {
 namespace {
 
 using namespace test;
+
+bool Ended(pid_t pid)  // gone, or only waiting to be collected
+{
+    const QByteArray stat = ReadFile(QStringLiteral("/proc/%1/stat").arg(pid));
+    return stat.isEmpty() || stat.mid(stat.lastIndexOf(')') + 2, 1) == "Z";
+}
 
 TEST(ExecArithmeticTest, WaitLimitWrapsAsAnUnsignedCountAndTheResultKeepsItsOffset)
 {
@@ -18,23 +28,30 @@ TEST(ExecArithmeticTest, WaitLimitWrapsAsAnUnsignedCountAndTheResultKeepsItsOffs
     EXPECT_EQ(ExecResultOf(1), -65535);  // the offset of 65536 is kept for old scripts
 }
 
-TEST(ExecArithmeticTest, CommandLineIsSplitAsAShellDoesWithoutExpanding)
+TEST(ExecArithmeticTest, CommandLineIsSplitAsWindowsReadsIt)
 {
     EXPECT_EQ(ExecCommandLine("prog", ""), "prog");  // no trailing blank
     EXPECT_EQ(ExecDefaultWorkDir("\"/opt/my tools/prog\""), "\"/opt/my tools/");  // quotes as written
     const std::pair<const char*, QStringList> rows[] = {
-        {"  sh\t-c  \"exit 3\" ", {"sh", "-c", "exit 3"}},
-        {"echo 'a \"b\" $HOME' x\"y z\"w \"\" '' *", {"echo", "a \"b\" $HOME", "xy zw", "", "", "*"}},  // no expanding, no globbing
-        {"echo \"a\\\"b\\\\c\\d\" a\\ b", {"echo", "a\"b\\c\\d", "a b"}},  // in "..." only \ " $ ` are escaped
+        {R"(  prog C:\temp\file.txt it's)", {"prog", R"(C:\temp\file.txt)", "it's"}},  // \ and ' are ordinary
+        {R"("/opt/my tools/prog" -x)", {"/opt/my tools/prog", "-x"}},
+        {R"(prog\ "a b"	c)", {R"(prog\)", "a b", "c"}},  // no escapes in the program name; a tab separates
+        {R"(p a\\\"b "a\\" b \\server\share)", {"p", R"(a\"b)", R"(a\)", "b", R"(\\server\share)"}},
+        {R"(p "say ""hi""" "" x"y z"w)", {"p", R"(say "hi")", "", "xy zw"}},  // "" in quotes is one quote
+        {R"(p 'a b' "open end)", {"p", "'a", "b'", "open end"}},  // an open quote runs to the end
+        {"   ", {}},
     };
     for (const auto& [line, words] : rows) EXPECT_EQ(SplitCommandLine(QString::fromUtf8(line)), words) << line;
-    EXPECT_FALSE(SplitCommandLine("echo \"open").has_value());
-    EXPECT_FALSE(SplitCommandLine("echo 'open").has_value());
 }
 
 class ExecRunTest : public ::testing::Test {
 protected:
-    ExecRunTest() { host.Declare("R", g_NumberType); }
+    ExecRunTest()
+    {
+        host.Declare("R", g_NumberType);
+        SetProgramOutputFolder(outputDir.path());
+    }
+    ~ExecRunTest() override { SetProgramOutputFolder({}); }
 
     // Runs the program and gives the value of R, the Return variable unless told otherwise.
     double Run(const char* exe, const char* args, const char* timeOut, bool kill = false, const QString& workDir = {},
@@ -46,24 +63,26 @@ protected:
         return double(static_cast<const TNumberValue*>(host.Value("R"))->GetVal());
     }
 
+    QTemporaryDir outputDir;
     TTestHost host;
     TDVCmdStartEXE exec{&host};
 };
 
+TEST_F(ExecRunTest, ParamsReachTheProgramAsWindowsSplitsThemAndItsOutputGoesToTheRunsFile)
+{
+    EXPECT_EQ(Run("printf", R"("[%s]" C:\temp\file.txt it's "a ""q"" b" x\\\"y)", "10"), 0);
+    EXPECT_EQ(ReadFile(ProgramOutputPath()), R"([C:\temp\file.txt][it's][a "q" b][x\"y])");
+    EXPECT_TRUE(ProgramOutputPath().startsWith(outputDir.path()));
+}
+
 TEST_F(ExecRunTest, ExitCodesAreMappedAndAnEmptyReturnWritesNothing)
 {
     EXPECT_EQ(Run("sh", "-c \"exit 3\"", "10"), -65533);
-    EXPECT_EQ(Run("sh", "-c 'kill -9 $$'", "10"), 128 + 9 - 65536);  // a signal reads as a shell's 128 + n
-    EXPECT_EQ(Run("sh", "-c 'exit 0'", "10"), 0);
-    Run("sh", "-c 'exit 1'", "10", false, {}, "");
+    EXPECT_EQ(Run("sh", "-c \"kill -9 $$\"", "10"), 128 + 9 - 65536);  // a signal reads as a shell's 128 + n
+    EXPECT_EQ(Run("sh", "-c \"exit 0\"", "10"), 0);
+    Run("sh", "-c \"exit 1\"", "10", false, {}, "");
     EXPECT_EQ(host.setVariableCalls.size(), 3);
     EXPECT_EQ(TDVCmdStartEXE::LastResult(), -65535);  // what the editor's Test button shows
-}
-
-bool Ended(pid_t pid)  // gone, or only waiting to be collected
-{
-    const QByteArray stat = ReadFile(QStringLiteral("/proc/%1/stat").arg(pid));
-    return stat.isEmpty() || stat.mid(stat.lastIndexOf(')') + 2, 1) == "Z";
 }
 
 TEST_F(ExecRunTest, TimeOutGivesMinusTwoAndKillAsksTheWholeGroupToEnd)
@@ -74,7 +93,7 @@ TEST_F(ExecRunTest, TimeOutGivesMinusTwoAndKillAsksTheWholeGroupToEnd)
 
     QTemporaryDir dir;  // also proves WorkDir: the pid file lands there
     start = Clock::now();
-    EXPECT_EQ(Run("sh", "-c 'sleep 30 & echo $! > pid; wait'", "0.2", true, dir.path()), -2);
+    EXPECT_EQ(Run("sh", "-c \"sleep 30 & echo $! > pid; wait\"", "0.2", true, dir.path()), -2);
     EXPECT_LT(MsSince(start), 500);
     const pid_t grandchild = ReadFile(dir.filePath("pid")).trimmed().toInt();
     ASSERT_GT(grandchild, 0);
@@ -95,9 +114,11 @@ TEST_F(ExecRunTest, FailuresNameWhatWentWrongAndWriteNothing)
     const QString noFile = QString::fromLocal8Bit(strerror(ENOENT));
     // ExePath, Params, TimeOut, WorkDir, what the message names
     const std::tuple<const char*, const char*, const char*, const char*, QStringList> rows[] = {
-        {"/nonexistent/prog", "-x", "1", "", {"/nonexistent/prog -x", noFile}},
-        {"true", "", "1", "/nonexistent/dir", {"true", noFile}},
-        {"sh", "-c \"exit", "1", "", {"Anführungszeichen"}},
+        {"/nonexistent/prog", "-x", "1", "", {"/nonexistent/prog -x", "Arbeitsverzeichnis: /nonexistent/", "existiert nicht"}},
+        {"/nonexistent/prog", "", "1", "/tmp", {"Programm: /nonexistent/prog", noFile}},
+        {"true", "", "1", "/nonexistent/dir", {"Programm: true", "Arbeitsverzeichnis: /nonexistent/dir", "existiert nicht"}},
+        {"no/such/prog", "", "1", "/tmp", {"Programm: " + QDir::current().absoluteFilePath("no/such/prog"), "Arbeitsverzeichnis: /tmp", noFile}},
+        {"\"\"", "", "1", "/tmp", {"Keine Anwendung"}},
         {"true", "", "\"soon\"", "", {"TimeOut"}},
     };
     for (const auto& [exe, args, timeOut, workDir, parts] : rows) {
@@ -105,6 +126,85 @@ TEST_F(ExecRunTest, FailuresNameWhatWentWrongAndWriteNothing)
         for (const QString& part : parts) EXPECT_TRUE(failure.contains(part)) << exe << ": " << failure.toStdString();
     }
     EXPECT_TRUE(host.setVariableCalls.isEmpty());
+}
+
+// A relative program is the one the script's current directory names, whatever the working
+// directory of the program; ExePath takes the project folder like every file name.
+TEST(ExecDvrunTest, RelativeAndProjectProgramsAreTheOnesNamed)
+{
+    QTemporaryDir dir;
+    const QDir root(dir.path());
+    ASSERT_TRUE(root.mkpath("x/y/sub") && root.mkpath("x/y/other"));
+    WriteProgram(root.filePath("prog.sh"), "exit 4");  // what the child's working directory would pick
+    WriteProgram(root.filePath("x/prog.sh"), "exit 3");
+    WriteProgram(root.filePath("x/y/sub/tool.sh"), "exit 5");
+    WriteProgram(root.filePath("x/y/tool.sh"), "exit 6");
+    WriteFile(root.filePath("x/y/run.dvs"), R"(var R : Number
+Exec(ExePath := "../prog.sh", Return := R, TimeOut := 10)
+Check(R = 3 - 65536, "../prog.sh")
+Exec(ExePath := "sub/tool.sh", WorkDir := "other", Return := R, TimeOut := 10)
+Check(R = 5 - 65536, "sub/tool.sh")
+Exec(ExePath := "%PROJEKTPFAD%/tool.sh", WorkDir := "/", Return := R, TimeOut := 10)
+Check(R = 6 - 65536, "%PROJEKTPFAD%/tool.sh")
+)");
+    const TDvrunRun run = RunDvrun({"run.dvs"}, root.filePath("x/y"));
+    EXPECT_EQ(run.exitCode, 0) << run.err.toStdString();
+}
+
+// dvrun's output ends with dvrun, even when a program it started runs on: `x=$(dvrun ...)` returns.
+TEST(ExecDvrunTest, AStartedProgramDoesNotHoldTheHostsOutput)
+{
+    QTemporaryDir dir;
+    WriteFile(dir.filePath("run.dvs"), R"(Exec(ExePath := "sh", Params := "-c ""echo $$ > pid; echo gestartet; exec sleep 60""")
+Log("fertig")
+)");
+    QProcess shell;
+    shell.setWorkingDirectory(dir.path());
+    shell.start("sh", {"-c", "x=$(\"$0\" run.dvs); echo \"$x\"", DV_BINARY_DIR "/host/dvrun"});
+    const bool returned = shell.waitForFinished(30000);
+    const pid_t program = ReadFile(dir.filePath("pid")).trimmed().toInt();
+    if (program > 0) ::kill(program, SIGKILL);
+    if (!returned) shell.kill(), shell.waitForFinished();
+    ASSERT_TRUE(returned) << "the captured output stayed open while the program ran";
+    EXPECT_EQ(shell.readAllStandardOutput(), "fertig\n");
+    const QStringList logs = QDir(dir.path()).entryList({"exec-*.log"});
+    ASSERT_EQ(logs.size(), 1);
+    EXPECT_EQ(ReadFile(dir.filePath(logs.front())), "gestartet\n");
+    EXPECT_TRUE(QString::fromUtf8(shell.readAllStandardError()).contains(dir.filePath(logs.front())));
+}
+
+// SIGTERM (a CI time-out) and SIGHUP (a closed terminal) stop a run as Ctrl-C does: the waiting Exec
+// ends and asks its Kill program to end, the run fails with its reports written.
+TEST(ExecDvrunTest, AnyStopSignalEndsTheWaitTheProgramAndTheRunWithReports)
+{
+    for (const int signal : {SIGTERM, SIGHUP, SIGINT}) {
+        QTemporaryDir dir;
+        WriteFile(dir.filePath("run.dvs"), R"(Exec(ExePath := "sh", Params := "-c ""echo $$ > pid; exec sleep 60""", TimeOut := 120, Kill := True)
+Log("weiter")
+)");
+        QProcess dvrun;
+        dvrun.setWorkingDirectory(dir.path());
+        dvrun.start(DV_BINARY_DIR "/host/dvrun", {"--junit", "report.xml", "--log", "run.log", "run.dvs"});
+        pid_t program = 0;
+        for (int i = 0; i < 1000 && program <= 0; ++i) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+            program = ReadFile(dir.filePath("pid")).trimmed().toInt();
+        }
+        ASSERT_GT(program, 0) << "the program did not start";
+        ::kill(dvrun.processId(), signal);
+        const bool ended = dvrun.waitForFinished(20000);
+        bool programGone = false;
+        for (int i = 0; i < 500 && !(programGone = Ended(program)); ++i) std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        if (!programGone) ::kill(program, SIGKILL);
+        ASSERT_TRUE(ended) << strsignal(signal);
+        EXPECT_EQ(dvrun.exitStatus(), QProcess::NormalExit) << strsignal(signal);
+        EXPECT_EQ(dvrun.exitCode(), 1) << strsignal(signal);
+        EXPECT_TRUE(programGone) << strsignal(signal) << ": the Kill program still runs";
+        EXPECT_TRUE(QString::fromUtf8(dvrun.readAllStandardError()).contains("run.dvs:1: Test abgebrochen"));
+        EXPECT_FALSE(dvrun.readAllStandardOutput().contains("weiter"));
+        EXPECT_TRUE(ReadFile(dir.filePath("run.log")).contains("Test abgebrochen")) << strsignal(signal);
+        EXPECT_TRUE(ReadFile(dir.filePath("report.xml")).contains("Test abgebrochen")) << strsignal(signal);
+    }
 }
 
 TEST(ExecParamsTest, OlderLineFormAndTheEditorsWholeSeconds)

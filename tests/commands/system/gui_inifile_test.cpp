@@ -1,9 +1,13 @@
 #include "commands/system/gui_inifile.h"
 
 #include "commands/system/initext.h"
+#include "commands/system/platform_files.h"
 #include "tests/commands/system/systemtest.h"
 
+#include <sys/stat.h>
+
 #include <csignal>
+#include <string_view>
 
 namespace dv {
 namespace {
@@ -92,6 +96,98 @@ TEST_F(IniFileTest, BadValuesFailNamingTheValueAndOtherModesDoNothing)
     EXPECT_EQ(ReadFile(path), kStart);
 }
 
+TEST_F(IniFileTest, NamesMatchWithoutTheirBlanksAndNamesTheFileCannotGiveBackAreRefused)
+{
+    Run(7, " Werte ", " Zahl ", "5");
+    EXPECT_EQ(Run(3, "werte  ", "  zahl"), "5");
+    QByteArray expected = kStart;
+    EXPECT_EQ(ReadFile(path), expected.replace("Zahl=42", "Zahl=5"));  // replaced, not added again
+
+    const std::pair<const char*, const char*> rows[] = {  // section, ident
+        {"A]B", "K"}, {"Werte", "K=1"}, {"Werte", " ;K"}, {"Werte", "#K"}, {"  ", "K"}, {"Werte", ""}, {";S", "K"},
+    };
+    for (const auto& [section, ident] : rows) {
+        const QString failure = FailureOf([&] { Run(9, section, ident, "1"); });
+        EXPECT_TRUE(failure.contains("kann nicht in eine INI-Datei geschrieben werden")) << section << "/" << ident;
+    }
+    EXPECT_EQ(ReadFile(path), expected);
+}
+
+QByteArray Utf16(std::u16string_view text, bool bigEndian)
+{
+    QByteArray bytes = bigEndian ? QByteArray("\xFE\xFF") : QByteArray("\xFF\xFE");
+    for (char16_t unit : text) {
+        const char high = char(unit >> 8), low = char(unit & 0xFF);
+        bytes += bigEndian ? QByteArray{&high, 1} + QByteArray{&low, 1} : QByteArray{&low, 1} + QByteArray{&high, 1};
+    }
+    return bytes;
+}
+
+// Files of Windows stations are read in their encoding and written back in it; an empty file
+// becomes UTF-8.
+TEST_F(IniFileTest, FilesKeepTheirEncoding)
+{
+    const struct {
+        const char* name;
+        QByteArray before;
+        QByteArray after;  // once N is written as "€ü"
+    } rows[] = {
+        {"UTF-16LE", Utf16(u"[S]\r\nK=Grüße\r\n", false), Utf16(u"[S]\r\nK=Grüße\r\nN=€ü\r\n", false)},
+        {"UTF-16BE", Utf16(u"[S]\nK=Grüße\n", true), Utf16(u"[S]\nK=Grüße\nN=€ü\n", true)},
+        {"Windows-1252", "[S]\nK=Gr\xFC\xDF" "e\n", "[S]\nK=Gr\xFC\xDF" "e\nN=\x80\xFC\n"},
+        {"UTF-8 BOM", "\xEF\xBB\xBF[S]\nK=Grüße\n", "\xEF\xBB\xBF[S]\nK=Grüße\nN=€ü\n"},
+    };
+    for (const auto& row : rows) {
+        WriteFile(path, row.before);
+        EXPECT_EQ(Run(5, "s", "k"), "Grüße") << row.name;
+        Run(9, "S", "N", "€ü");
+        EXPECT_EQ(ReadFile(path), row.after) << row.name;
+        EXPECT_EQ(Run(5, "S", "N"), "€ü") << row.name;
+    }
+    // Windows-1252 has no place for these characters: refused, the file as it was.
+    WriteFile(path, rows[2].after);
+    EXPECT_TRUE(FailureOf([&] { Run(9, "S", "J", "日本"); }).contains("Windows-1252"));
+    EXPECT_EQ(ReadFile(path), rows[2].after);
+
+    WriteFile(path, "");
+    Run(9, "S", "N", "€ü");
+    EXPECT_EQ(ReadFile(path), "[S]\nN=€ü\n");
+}
+
+// A value may begin with U+FEFF, at the start of the file's text as anywhere else.
+TEST_F(IniFileTest, AValueKeepsALeadingZeroWidthNoBreakSpace)
+{
+    const QString feff(QChar(0xFEFF));
+    WriteFile(path, "[S]\nK=\xEF\xBB\xBFwert\n");
+    EXPECT_EQ(Run(5, "S", "K"), feff + "wert");
+    Run(9, "S", "L", feff + "x");
+    EXPECT_EQ(Run(5, "S", "L"), feff + "x");
+    EXPECT_EQ(Run(5, "S", "K"), feff + "wert");
+}
+
+// Leftovers of a writer killed mid-write go with the next write; the owner and mode of the file stay.
+TEST_F(IniFileTest, AWriteRemovesLeftoversAndKeepsOwnerAndMode)
+{
+    const QStringList leftovers{dir.filePath(".test.ini.Ab12Cd"), dir.filePath(".test.ini.zzzzzz")};
+    for (const QString& f : leftovers) WriteFile(f, "half");
+    WriteFile(dir.filePath(".other.ini.Ab12Cd"), "someone else's");
+    const bool root = ::geteuid() == 0;
+    if (root) {
+        ASSERT_EQ(::chown(QFile::encodeName(path).constData(), kOtherUser, kOtherUser), 0);
+    }
+    ASSERT_EQ(::chmod(QFile::encodeName(path).constData(), 0640), 0);
+    Run(9, "Neu", "K", "1");
+    for (const QString& f : leftovers) EXPECT_FALSE(QFile::exists(f)) << f.toStdString();
+    EXPECT_TRUE(QFile::exists(dir.filePath(".other.ini.Ab12Cd")));
+    struct stat after {};
+    ASSERT_EQ(::stat(QFile::encodeName(path).constData(), &after), 0);
+    EXPECT_EQ(after.st_mode & 07777, 0640u);
+    if (root) {
+        EXPECT_EQ(after.st_uid, kOtherUser);
+    }
+    EXPECT_EQ(ReadFile(path), kStart + "[Neu]\nK=1\n");
+}
+
 TEST(IniFileParamsTest, OlderLineForm)
 {
     TDVCmdIniFiles ini(nullptr);
@@ -138,7 +234,7 @@ TEST(IniFileCrashTest, KilledWriterNeverLeavesAHalfFile)
     int rewritten = 0;
     for (int delayMs : {150, 230, 310}) {
         TChildProcess writer;
-        ASSERT_EQ(writer.Start({DV_BINARY_DIR "/host/dvrun", "--define", "F=" + file, script}, {}), "");
+        ASSERT_EQ(writer.Start({DV_BINARY_DIR "/host/dvrun", "--define", "F=" + file, script}, {}, STDERR_FILENO), "");
         std::this_thread::sleep_for(std::chrono::milliseconds(delayMs));
         ::kill(writer.Pid(), SIGKILL);
         ASSERT_EQ(writer.Wait(nullptr, 5000), TChildWait::Exited);
@@ -149,6 +245,77 @@ TEST(IniFileCrashTest, KilledWriterNeverLeavesAHalfFile)
         rewritten += value != "start";
     }
     EXPECT_GT(rewritten, 0) << "the writer never got to write";
+}
+
+// Two scripts that write 1000 keys each into one file at once: every key arrives.
+TEST(IniFileConcurrencyTest, TwoWriterProcessesLoseNothing)
+{
+    QTemporaryDir dir(QDir("/dev/shm").exists() ? "/dev/shm/dvtest-XXXXXX" : QDir::tempPath() + "/dvtest-XXXXXX");
+    const QString file = dir.filePath("shared.ini");
+    WriteFile(file, "[S]\n");
+    WriteFile(dir.filePath("writer.dvs"), R"(var F : String
+var P : String
+var I : Number
+for I := 1 to 1000 do
+  IniFile(FileName := F, Section := "S", Ident := P + I, Value := I, Mode := 9)
+end for
+)");
+    QProcess writers[2];
+    for (int w = 0; w < 2; ++w) {
+        writers[w].start(DV_BINARY_DIR "/host/dvrun", {"--define", "F=" + file, "--define", QStringLiteral("P=w%1_").arg(w), dir.filePath("writer.dvs")});
+    }
+    for (QProcess& w : writers) {
+        ASSERT_TRUE(w.waitForFinished(60000));
+        EXPECT_EQ(w.exitCode(), 0) << w.readAllStandardError().toStdString();
+    }
+    const TIniText ini(ReadFile(file));
+    int found = 0;
+    for (int w = 0; w < 2; ++w) {
+        for (int i = 1; i <= 1000; ++i) found += ini.ReadString("S", QStringLiteral("w%1_%2").arg(w).arg(i)) == QString::number(i);
+    }
+    EXPECT_EQ(found, 2000);
+}
+
+TEST(IniFileLockTest, AWriterWaitsForTheLockOfAnotherProcessThenFailsNamingIt)
+{
+    QTemporaryDir dir;
+    const QString file = dir.filePath("held.ini");
+    WriteFile(file, "[S]\n");
+    const QString ready = dir.filePath("ready");
+    QProcess holder;
+    // Holds the lock until the test leaves a file "ready.done".
+    holder.start("flock", {"-x", dir.filePath(".held.ini.lock"), "sh", "-c",
+                           "touch \"$0\"; while [ ! -e \"$0.done\" ]; do sleep 0.02; done", ready});
+    for (int i = 0; i < 500 && !QFile::exists(ready); ++i) std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    ASSERT_TRUE(QFile::exists(ready)) << "the other process took no lock";
+    EXPECT_TRUE(TFileLock(file, false, 100).Error().contains(".held.ini.lock"));
+    WriteFile(ready + ".done", "");
+    ASSERT_TRUE(holder.waitForFinished(5000));
+    EXPECT_EQ(TFileLock(file, true, 100).Error(), "");
+}
+
+// A folder the writer may not write to, a file it may: the file is written in place.
+TEST(IniFileFolderTest, AFileInAFolderWithoutWriteAccessIsWrittenInPlace)
+{
+    QTemporaryDir base;
+    ::chmod(QFile::encodeName(base.path()).constData(), 0755);
+    const QString folder = base.filePath("fest");
+    ASSERT_TRUE(QDir().mkdir(folder));
+    const QString file = folder + "/t.ini";
+    WriteFile(file, "[S]\r\nA=1\r\n");
+    ::chmod(QFile::encodeName(file).constData(), 0666);
+    ::chmod(QFile::encodeName(folder).constData(), 0555);
+    WriteFile(base.filePath("w.dvs"), "IniFile(FileName := \"" + file.toUtf8() + "\", Section := \"S\", Ident := \"B\", Value := \"2\", Mode := 9)\n");
+    ::chmod(QFile::encodeName(base.filePath("w.dvs")).constData(), 0644);
+    struct stat before {}, after {};
+    ::stat(QFile::encodeName(file).constData(), &before);
+    const TDvrunRun run = RunDvrun({base.filePath("w.dvs")}, base.path(), true);
+    ::chmod(QFile::encodeName(folder).constData(), 0755);
+    EXPECT_EQ(run.exitCode, 0) << run.err.toStdString();
+    EXPECT_EQ(ReadFile(file), "[S]\r\nA=1\r\nB=2\r\n");
+    ::stat(QFile::encodeName(file).constData(), &after);
+    EXPECT_EQ(after.st_ino, before.st_ino);
+    EXPECT_EQ(QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot), QStringList{"t.ini"});
 }
 
 }  // namespace

@@ -86,13 +86,15 @@ TEST_F(SystemFormTest, SystemUtilitiesRelabelsForFileCopyAndStoresTheTarget)
 
 TEST_F(SystemFormTest, StartExeShowsWaitControlsWithWaitingTestsWithoutCommittingAndFoldsDelay)
 {
+    QTemporaryDir output;
+    SetProgramOutputFolder(output.path());
     TDVCmdStartEXE exec(&host);
-    TParamList params = MakeParams({{"ExePath", "sh"}, {"Params", "-c 'exit 9'"}, {"TimeOut", "3"}, {"Delay", "2"}, {"Kill", "True"}});
+    TParamList params = MakeParams({{"ExePath", "sh"}, {"Params", "-c \"exit 9\""}, {"TimeOut", "3"}, {"Delay", "2"}, {"Kill", "True"}});
     QString shown, paramsDuringTest;
     OnModal("TStartEXE", [&](QWidget& d) {
         EXPECT_EQ(Find<QSpinBox>(d, "Spin_Timeout").value(), 5);
         EXPECT_TRUE(Find<QSpinBox>(d, "Spin_Timeout").isVisibleTo(&d));
-        Type(d, "Edit_Parameter", "-c 'exit 4'");
+        Type(d, "Edit_Parameter", "-c \"exit 4\"");
         shown = TestOutcome(d, "TestResult");
         paramsDuringTest = exec.Fields().params;
         Click(d, "CB_WaitForExit");
@@ -103,10 +105,11 @@ TEST_F(SystemFormTest, StartExeShowsWaitControlsWithWaitingTestsWithoutCommittin
     });
     ASSERT_TRUE(exec.Edit(params));
     EXPECT_EQ(shown, "ExitCode = -65532");
-    EXPECT_EQ(paramsDuringTest, "-c 'exit 9'");
+    EXPECT_EQ(paramsDuringTest, "-c \"exit 9\"");
     // Not waiting: TimeOut is left out so its default 0 holds; Delay is never written.
-    EXPECT_EQ(params, MakeParams({{"ExePath", "sh"}, {"Params", "-c 'exit 4'"}, {"WorkDir", ""}, {"Return", ""}, {"Hide", "False"},
+    EXPECT_EQ(params, MakeParams({{"ExePath", "sh"}, {"Params", "-c \"exit 4\""}, {"WorkDir", ""}, {"Return", ""}, {"Hide", "False"},
                                   {"Minimized", "True"}, {"Kill", "True"}}));
+    SetProgramOutputFolder({});
 }
 
 TEST_F(SystemFormTest, CallNamedPipeTestsTheCallWithoutWritingAndAbbrechenLeavesTheList)
