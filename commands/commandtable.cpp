@@ -5,6 +5,7 @@
 #include "commands/system/gui_inifile.h"
 #include "commands/system/gui_sysutils.h"
 #include "commands/dialogs/gui_textout.h"
+#include "commands/script/gui_bemerkung.h"
 #include "commands/text/gui_arraytostr.h"
 #include "commands/text/gui_numberconvert.h"
 #include "commands/text/gui_strtoarray.h"
@@ -30,6 +31,7 @@ constexpr std::array kCommandClasses{
     TCommandClass{"TDVCmdStringConversion", &Construct<TDVCmdStringConversion>},
     TCommandClass{"TDVCmdNumberConversion", &Construct<TDVCmdNumberConversion>},
     TCommandClass{"TDVCmdTextOut", &Construct<TDVCmdTextOut>},
+    TCommandClass{"TDVCmdComment", &Construct<TDVCmdComment>},
 };
 }  // namespace
 
