@@ -6,6 +6,7 @@
 #include "commands/system/gui_sysutils_form.h"
 #include "commands/dialogs/gui_textout_form.h"
 #include "commands/script/gui_bemerkung_form.h"
+#include "commands/script/gui_ifthenelse_form.h"
 #include "commands/text/gui_arraytostr_form.h"
 #include "commands/text/gui_numberconvert_form.h"
 #include "commands/text/gui_stringbearbeitung_form.h"
@@ -29,6 +30,7 @@ void RegisterForms()
     RegisterForm<TZahlenkonverter, TDVCmdNumberConversion>(QStringLiteral("TZahlenkonverter"));
     RegisterForm<TFRM_TextOut, TDVCmdTextOut>(QStringLiteral("TFRM_TextOut"));
     RegisterForm<TBemerkung, TDVCmdComment>(QStringLiteral("TBemerkung"));
+    RegisterForm<TIfThenElse, TDVCmdIfThenElse>(QStringLiteral("TIfThenElse"));
 }
 
 }  // namespace dv
