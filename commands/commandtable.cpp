@@ -6,6 +6,7 @@
 #include "commands/system/gui_sysutils.h"
 #include "commands/dialogs/gui_textout.h"
 #include "commands/script/gui_bemerkung.h"
+#include "commands/script/gui_case.h"
 #include "commands/script/gui_ifthenelse.h"
 #include "commands/text/gui_arraytostr.h"
 #include "commands/text/gui_numberconvert.h"
@@ -34,6 +35,7 @@ constexpr std::array kCommandClasses{
     TCommandClass{"TDVCmdTextOut", &Construct<TDVCmdTextOut>},
     TCommandClass{"TDVCmdComment", &Construct<TDVCmdComment>},
     TCommandClass{"TDVCmdIfThenElse", &Construct<TDVCmdIfThenElse>},
+    TCommandClass{"TDVCmdCase", &Construct<TDVCmdCase>},
 };
 }  // namespace
 

@@ -6,6 +6,7 @@
 #include "commands/system/gui_sysutils_form.h"
 #include "commands/dialogs/gui_textout_form.h"
 #include "commands/script/gui_bemerkung_form.h"
+#include "commands/script/gui_case_form.h"
 #include "commands/script/gui_ifthenelse_form.h"
 #include "commands/text/gui_arraytostr_form.h"
 #include "commands/text/gui_numberconvert_form.h"
@@ -31,6 +32,7 @@ void RegisterForms()
     RegisterForm<TFRM_TextOut, TDVCmdTextOut>(QStringLiteral("TFRM_TextOut"));
     RegisterForm<TBemerkung, TDVCmdComment>(QStringLiteral("TBemerkung"));
     RegisterForm<TIfThenElse, TDVCmdIfThenElse>(QStringLiteral("TIfThenElse"));
+    RegisterForm<T_Case, TDVCmdCase>(QStringLiteral("T_Case"));
 }
 
 }  // namespace dv
