@@ -8,6 +8,7 @@
 #include "commands/script/gui_bemerkung.h"
 #include "commands/script/gui_case.h"
 #include "commands/script/gui_ifthenelse.h"
+#include "commands/script/gui_loop.h"
 #include "commands/text/gui_arraytostr.h"
 #include "commands/text/gui_numberconvert.h"
 #include "commands/text/gui_strtoarray.h"
@@ -36,6 +37,7 @@ constexpr std::array kCommandClasses{
     TCommandClass{"TDVCmdComment", &Construct<TDVCmdComment>},
     TCommandClass{"TDVCmdIfThenElse", &Construct<TDVCmdIfThenElse>},
     TCommandClass{"TDVCmdCase", &Construct<TDVCmdCase>},
+    TCommandClass{"TDVCmdLoop", &Construct<TDVCmdLoop>},
 };
 }  // namespace
 

@@ -8,6 +8,7 @@
 #include "commands/script/gui_bemerkung_form.h"
 #include "commands/script/gui_case_form.h"
 #include "commands/script/gui_ifthenelse_form.h"
+#include "commands/script/gui_loop_form.h"
 #include "commands/text/gui_arraytostr_form.h"
 #include "commands/text/gui_numberconvert_form.h"
 #include "commands/text/gui_stringbearbeitung_form.h"
@@ -33,6 +34,7 @@ void RegisterForms()
     RegisterForm<TBemerkung, TDVCmdComment>(QStringLiteral("TBemerkung"));
     RegisterForm<TIfThenElse, TDVCmdIfThenElse>(QStringLiteral("TIfThenElse"));
     RegisterForm<T_Case, TDVCmdCase>(QStringLiteral("T_Case"));
+    RegisterForm<TDVGUILoop, TDVCmdLoop>(QStringLiteral("TDVGUILoop"));
 }
 
 }  // namespace dv
