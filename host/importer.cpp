@@ -1,6 +1,7 @@
 #include "host/importer.h"
 
 #include "host/commandpool.h"
+#include "host/structurerecode.h"
 
 #include <QRegularExpression>
 #include <QSet>
@@ -149,7 +150,7 @@ QString ConvertScript(const QString& text, TCommandPool& commands)
 {
     static const QRegularExpression word(QStringLiteral("^\\w+"));
     static const QRegularExpression namedArgument(QStringLiteral("[(,]\\s*\\w+\\s*:="));
-    QStringList lines = text.split('\n');
+    QStringList lines = RecodeStructureLines(text, commands).split('\n');
     const QSet<QString> declared = DeclaredNames(lines);
     for (QString& line : lines) {
         const bool cr = line.endsWith('\r');
