@@ -1,40 +1,12 @@
-// dvrun --convert passes the lines of the script structure through their commands' RecodeScript:
-// an older script's case branches become runnable, decimal commas in conditions become points.
+// The conversion of dvrun --convert passes the structure lines through their commands'
+// RecodeScript: an older script's case branches become runnable, decimal commas become points.
+#include "host/importer.h"
+#include "tests/host/scriptrun.h"
+
 #include <gtest/gtest.h>
 
-#include <QFile>
-#include <QProcess>
-#include <QTemporaryDir>
-
+namespace dv::host::test {
 namespace {
-
-struct TRun {
-    int exitCode;
-    QString out;
-};
-
-TRun Dvrun(const QStringList& args)
-{
-    QProcess p;
-    p.setProgram(DV_BINARY_DIR "/host/dvrun");
-    p.setArguments(args);
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.remove("DISPLAY");
-    env.remove("WAYLAND_DISPLAY");
-    p.setProcessEnvironment(env);
-    p.start();
-    p.waitForFinished(30000);
-    return {p.exitCode(), QString::fromUtf8(p.readAllStandardOutput())};
-}
-
-QString Write(const QTemporaryDir& dir, const QString& name, const QString& text)
-{
-    const QString path = dir.filePath(name);
-    QFile f(path);
-    f.open(QIODevice::WriteOnly);
-    f.write(text.toUtf8());
-    return path;
-}
 
 TEST(StructureRecode, OlderCaseBranchesAndDecimalCommasAreConvertedAndTheScriptRuns)
 {
@@ -69,17 +41,17 @@ TEST(StructureRecode, OlderCaseBranchesAndDecimalCommasAreConvertedAndTheScriptR
     converted[9] = "  select 3:";
     converted[12] = "93:if Wert < 1.5 then";
     converted[20] = "  for I := 1 to 2 do";
-    QTemporaryDir dir;
     for (const QString& eol : {QString("\n"), QString("\r\n")}) {
-        const TRun run = Dvrun({"--convert", Write(dir, "alt.dvs", older.join(eol))});
-        EXPECT_EQ(run.exitCode, 0);
-        EXPECT_EQ(run.out, converted.join(eol)) << run.out.toStdString();
+        THost host;
+        const QString out = ConvertScript(older.join(eol), host.Commands());
+        EXPECT_EQ(out, converted.join(eol)) << out.toStdString();
     }
-    const QStringList runnable = converted.mid(0, 20);
-    EXPECT_EQ(Dvrun({Write(dir, "alt.dvs", older.mid(0, 20).join('\n'))}).exitCode, 2);
-    const TRun run = Dvrun({Write(dir, "neu.dvs", runnable.join('\n'))});
-    EXPECT_EQ(run.exitCode, 0);
-    EXPECT_EQ(run.out, "drei\n");
+    // The for line without its block is there for the conversion only.
+    EXPECT_EQ(RunScriptText(older.mid(0, 20).join('\n')).exitCode, 2);
+    const TScriptOutcome run = RunScriptText(converted.mid(0, 20).join('\n'));
+    EXPECT_EQ(run.exitCode, 0) << run.errors.join('\n').toStdString();
+    EXPECT_EQ(run.output, QStringList{"drei"});
 }
 
 }  // namespace
+}  // namespace dv::host::test
