@@ -2,6 +2,8 @@
 
 #include "framework/catalogue.h"
 
+#include <algorithm>
+
 namespace dv {
 
 QString DialogOf(const char* commandClass)

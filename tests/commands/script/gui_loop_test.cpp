@@ -85,24 +85,6 @@ TEST_F(LoopLinesTest, WhileKeepsTheBlanksAndUntilLosesItsKeywordAndSemicolon)
     }
 }
 
-TEST_F(LoopLinesTest, EncodeWritesTheHeadAndForANewLoopItsMarkedOtherLine)
-{
-    const struct {
-        TDVCmdLoopFields fields;
-        const char* edited;
-        const char* inserted;
-    } rows[] = {
-        {{TLoopType::For, "I", "1", "10", "", ""}, "for I := 1 to 10 do", "for I := 1 to 10 do\r\n93:end for"},
-        {{TLoopType::While, "", "", "", "a < 3", ""}, "while a < 3 do", "while a < 3 do\r\n93:end while"},
-        {{TLoopType::Repeat, "", "", "", "", "Fertig"}, "until Fertig;", "repeat\r\n93:until Fertig;"},
-    };
-    for (const auto& r : rows) {
-        loop.SetFields(r.fields);
-        EXPECT_EQ(loop.EncodeScript(false), r.edited);
-        EXPECT_EQ(loop.EncodeScript(true), r.inserted);
-    }
-}
-
 TEST_F(LoopLinesTest, ALineThatIsNoLoopHeadIsReportedAndLeftAlone)
 {
     const std::pair<const char*, const char*> rows[] = {
