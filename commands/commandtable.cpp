@@ -5,6 +5,10 @@
 #include "commands/system/gui_inifile.h"
 #include "commands/system/gui_sysutils.h"
 #include "commands/dialogs/gui_textout.h"
+#include "commands/script/gui_bemerkung.h"
+#include "commands/script/gui_case.h"
+#include "commands/script/gui_ifthenelse.h"
+#include "commands/script/gui_loop.h"
 #include "commands/text/gui_arraytostr.h"
 #include "commands/text/gui_numberconvert.h"
 #include "commands/text/gui_strtoarray.h"
@@ -32,6 +36,10 @@ constexpr std::array kCommandClasses{
     TCommandClass{"TDVCmdNumberConversion", &Construct<TDVCmdNumberConversion>},
     TCommandClass{"TDVCmdTextOut", &Construct<TDVCmdTextOut>},
     TCommandClass{"TDVCmdScope", &Construct<TDVCmdScope>},
+    TCommandClass{"TDVCmdComment", &Construct<TDVCmdComment>},
+    TCommandClass{"TDVCmdIfThenElse", &Construct<TDVCmdIfThenElse>},
+    TCommandClass{"TDVCmdCase", &Construct<TDVCmdCase>},
+    TCommandClass{"TDVCmdLoop", &Construct<TDVCmdLoop>},
 };
 }  // namespace
 

@@ -5,6 +5,10 @@
 #include "commands/system/gui_inifile_form.h"
 #include "commands/system/gui_sysutils_form.h"
 #include "commands/dialogs/gui_textout_form.h"
+#include "commands/script/gui_bemerkung_form.h"
+#include "commands/script/gui_case_form.h"
+#include "commands/script/gui_ifthenelse_form.h"
+#include "commands/script/gui_loop_form.h"
 #include "commands/text/gui_arraytostr_form.h"
 #include "commands/text/gui_numberconvert_form.h"
 #include "commands/text/gui_stringbearbeitung_form.h"
@@ -27,6 +31,10 @@ void RegisterForms()
     RegisterForm<TStringBearbeitung, TDVCmdStringConversion>(QStringLiteral("TStringBearbeitung"));
     RegisterForm<TZahlenkonverter, TDVCmdNumberConversion>(QStringLiteral("TZahlenkonverter"));
     RegisterForm<TFRM_TextOut, TDVCmdTextOut>(QStringLiteral("TFRM_TextOut"));
+    RegisterForm<TBemerkung, TDVCmdComment>(QStringLiteral("TBemerkung"));
+    RegisterForm<TIfThenElse, TDVCmdIfThenElse>(QStringLiteral("TIfThenElse"));
+    RegisterForm<T_Case, TDVCmdCase>(QStringLiteral("T_Case"));
+    RegisterForm<TDVGUILoop, TDVCmdLoop>(QStringLiteral("TDVGUILoop"));
 }
 
 }  // namespace dv

@@ -16,6 +16,8 @@ public:
     // Shows the dialog modally on the command's current fields; true when closed with OK, after
     // which the command's fields hold the edited texts. Any other close changes nothing.
     virtual bool ShowModal() = 0;
+    // Tells the user something over the dialog's place and waits until it is acknowledged.
+    virtual void ShowMessage(const QString& text) = 0;
 };
 
 using TEditorFormFactory = std::function<std::unique_ptr<TDVEditorForm>(TDVRunEdit& command)>;

@@ -1,11 +1,11 @@
 #include "host/importer.h"
 
-#include "framework/catalogue.h"
 #include "framework/exceptions.h"
 #include "framework/scanner.h"
 #include "framework/translate.h"
 #include "host/commandpool.h"
 #include "host/scriptparser.h"
+#include "host/structurerecode.h"
 
 #include <QRegularExpression>
 #include <QSet>
@@ -260,14 +260,8 @@ namespace dv {
 QString TDVScriptImporter::Convert(const QString& text)
 {
     warnings_.clear();
-    QString script = text;
-    for (const TCatalogueRow& row : Catalogue()) {
-        if (row.base != TBaseKind::Edit) continue;
-        if (TDVRunEdit* structure = commands_.ForClass(QString::fromLatin1(row.commandClass))) {
-            script = structure->RecodeScript(script, this);
-        }
-    }
-    QStringList lines = script.split('\n');
+    // Loops, case, if and comments are recoded line by line by their structure commands first.
+    QStringList lines = host::RecodeStructureLines(text, commands_).split('\n');
     declared_ = host::DeclaredVariables(lines);
     static const QRegularExpression word(QStringLiteral("^\\w+"));
     bool inComment = false;

@@ -5,6 +5,7 @@
 
 #include <QHBoxLayout>
 #include <QLineEdit>
+#include <QMessageBox>
 #include <QVBoxLayout>
 
 namespace dv {
@@ -37,7 +38,7 @@ TDVForm::TDVForm(const QString& formClass, const QString& caption, int helpConte
     buttons_->addWidget(cancel_);
     buttons_->addWidget(new TDVHelpButton(helpContext, this));
 
-    connect(ok_, &QPushButton::clicked, this, [this] { done(mrOk); });
+    connect(ok_, &QPushButton::clicked, this, [this] { OkClicked(); });
     connect(cancel_, &QPushButton::clicked, this, [this] { done(mrCancel); });
 }
 
@@ -51,6 +52,13 @@ bool TDVForm::ShowModal()
     }
     StoreFields();
     return true;
+}
+
+void TDVForm::ShowMessage(const QString& text)
+{
+    QMessageBox box(QMessageBox::Information, windowTitle(), text, QMessageBox::Ok, this);
+    box.setObjectName(QStringLiteral("MessageDlg"));
+    box.exec();
 }
 
 void TDVForm::AttachVariableEditors()

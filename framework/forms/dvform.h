@@ -32,6 +32,8 @@ public:
     TDVForm(const QString& formClass, const QString& caption, int helpContext, QWidget* parent = nullptr);
 
     bool ShowModal() override;
+    // A modal message box named "MessageDlg" with the dialog's caption.
+    void ShowMessage(const QString& text) override;
 
     // The area above the button row where a dialog puts its controls.
     QVBoxLayout* Body() const { return body_; }
@@ -46,6 +48,8 @@ protected:
     virtual void StoreFields() = 0;
     // Called when the dialog is closed by Abbrechen or Escape.
     virtual void Cancelled() {}
+    // The OK button's handler; a dialog that checks its input first may stay open.
+    virtual void OkClicked() { done(mrOk); }
     // Offers the script's variables in every line edit of the dialog (host's variable picker).
     void AttachVariableEditors();
 
