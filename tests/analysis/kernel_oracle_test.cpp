@@ -120,6 +120,66 @@ TEST(KernelOracleTest, EdgeSearchPeakScanAndExtremaEqualTheLiteralVersions)
     EXPECT_GT(withEdges, 1000);  // the sweep really exercises edges
 }
 
+// Curves long enough for many skipped blocks, with NaN and infinite samples and times dropped in,
+// levels between the sample values and on them, and times ascending with repeats or in no order.
+TEST(KernelOracleTest, EdgeSearchEqualsTheLiteralStepForEveryInput)
+{
+    constexpr double inf = std::numeric_limits<double>::infinity();
+    constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+    const double odd[] = {nan, inf, -inf};
+    const double levels[] = {-1, 0, 0.25, 1, -0.7, 1.5, nan};
+    std::mt19937 rng(2024);
+    std::bernoulli_distribution coin, rare(0.03);
+    std::uniform_real_distribution<double> wave(-1.5, 1.5);
+    auto pick = [&rng](const auto& table) { return table[rng() % std::size(table)]; };
+    for (int trial = 0; trial < 1200; ++trial) {
+        const int n = int(rng() % 200);
+        const bool sorted = trial % 3 != 0, smooth = trial % 2 == 0;
+        Curve x(n), y(n);
+        for (int i = 0; i < n; ++i) {
+            x[i] = sorted ? (i ? x[i - 1] + coin(rng) * 0.5 : 0.0) : wave(rng);
+            // Flat stretches (whole blocks clear of a level) or a noisy wave.
+            y[i] = smooth ? (i && !rare(rng) ? y[i - 1] : std::round(wave(rng))) : wave(rng);
+            if (rare(rng)) y[i] = pick(odd);
+            if (rare(rng)) x[i] = pick(odd);
+        }
+        kernels::TEdgeQuery q{pick(levels), pick(levels), coin(rng), coin(rng), coin(rng)};
+        q.count = int(rng() % 4);
+        const int from = n ? int(rng() % unsigned(n)) : 0, to = n - 1 - int(n > 1 ? rng() % 3 : 0);
+        for (TImpulsMode mode : {imTime, imFreq, imPhase, imCount, imDutyCycle}) {
+            q.mode = mode;
+            Marks fast, literal;
+            const double a = kernels::TimeDifference(x, y, from, to, q, fast);
+            const double b = LiteralTimeDifference(x, y, from, to, q, literal);
+            auto sameTime = [](TPoint f, TPoint l) { return Same(f.x, l.x); };
+            ASSERT_TRUE(Same(a, b) && std::ranges::equal(fast, literal, sameTime))
+                << "n=" << n << " trial=" << trial << " mode=" << mode << ": " << a << " vs " << b;
+        }
+    }
+}
+
+// Hand-worked: a NaN after the rising edge of the first block must not hide that edge.
+TEST(KernelOracleTest, NaNAfterAnEdgeInTheSameBlockKeepsTheEdge)
+{
+    constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+    struct TRow {
+        Curve y;
+        double count;
+    };
+    Curve nanAfterRise = {-1, 1, 1, 1, 1, nan, nan, nan, nan};
+    nanAfterRise.resize(40, 1.0);
+    Curve risesTwice = nanAfterRise;
+    risesTwice[30] = -1;
+    const TRow rows[] = {{nanAfterRise, 1}, {risesTwice, 2}};
+    for (const TRow& r : rows) {
+        Curve x(r.y.size());
+        for (std::size_t i = 0; i < x.size(); ++i) x[i] = double(i);
+        const kernels::TEdgeQuery q{0, 0, true, true, true, 1, imCount};
+        Marks marks;
+        EXPECT_EQ(kernels::TimeDifference(x, r.y, 0, int(x.size()) - 1, q, marks), r.count);
+    }
+}
+
 // Sorted and unordered sample and envelope times; values on a coarse grid, so that samples fall
 // on envelope points and touch envelope values.
 TEST(KernelOracleTest, EnvelopeComparisonEqualsTheLiteralWalk)
