@@ -49,21 +49,26 @@ double LiteralTimeDifference(const Curve& x, const Curve& y, int from, int to,
     return q.mode == imFreq ? (periods - 1) / (tStart - tFirst) : 0;
 }
 
-// Point i is a local maximum when no point within the window is above it (beyond epsilon) and
-// every earlier one there is below it: a plateau counts at its start.
+// The local extremum rule read literally: point i is a local maximum when no taking part point
+// within its window lies above it, none before it lies level with it, and it stands at least
+// epsilon above the window's lowest one. Only points with finite time and value take part.
 std::vector<int> LiteralExtrema(const Curve& x, const Curve& y, TExtremumKind kind, double window,
                                 double epsilon)
 {
     const double sign = kind == TExtremumKind::Maximum ? 1 : -1;
+    auto takesPart = [&](std::size_t i) { return std::isfinite(x[i]) && std::isfinite(y[i]); };
     std::vector<int> found;
     for (std::size_t i = 0; i < x.size(); ++i) {
-        bool extremum = true;
-        for (std::size_t j = 0; j < x.size() && extremum; ++j) {
-            if (j == i || std::abs(x[j] - x[i]) > window) continue;
+        if (!takesPart(i)) continue;
+        bool highest = true;
+        double lowest = sign * y[i];
+        for (std::size_t j = 0; j < x.size(); ++j) {
+            if (j == i || !takesPart(j) || !(std::abs(x[j] - x[i]) <= window)) continue;
             const double a = sign * y[j], b = sign * y[i];
-            extremum = j < i ? a < b - epsilon : a <= b + epsilon;
+            if (a > b || (a == b && j < i)) highest = false;
+            lowest = std::min(lowest, a);
         }
-        if (extremum) found.push_back(int(i));
+        if (highest && sign * y[i] - lowest >= epsilon) found.push_back(int(i));
     }
     return found;
 }
@@ -122,7 +127,7 @@ TEST(KernelOracleTest, EdgeSearchPeakScanAndExtremaEqualTheLiteralVersions)
 
 // Curves long enough for many skipped blocks, with NaN and infinite samples and times dropped in,
 // levels between the sample values and on them, and times ascending with repeats or in no order.
-TEST(KernelOracleTest, EdgeSearchEqualsTheLiteralStepForEveryInput)
+TEST(KernelOracleTest, EdgeSearchAndExtremaEqualTheLiteralFormsForEveryInput)
 {
     constexpr double inf = std::numeric_limits<double>::infinity();
     constexpr double nan = std::numeric_limits<double>::quiet_NaN();
@@ -154,6 +159,12 @@ TEST(KernelOracleTest, EdgeSearchEqualsTheLiteralStepForEveryInput)
             auto sameTime = [](TPoint f, TPoint l) { return Same(f.x, l.x); };
             ASSERT_TRUE(Same(a, b) && std::ranges::equal(fast, literal, sameTime))
                 << "n=" << n << " trial=" << trial << " mode=" << mode << ": " << a << " vs " << b;
+        }
+        const double windows[] = {0.0, 0.3, 1.0, -1.0, nan, inf}, epsilons[] = {0.0, 0.4, 2.0, nan};
+        const double window = pick(windows), epsilon = pick(epsilons);
+        for (auto kind : {TExtremumKind::Maximum, TExtremumKind::Minimum}) {
+            ASSERT_EQ(FindAllExtrema(x, y, kind, window, epsilon), LiteralExtrema(x, y, kind, window, epsilon))
+                << "trial=" << trial << " window=" << window << " epsilon=" << epsilon;
         }
     }
 }
