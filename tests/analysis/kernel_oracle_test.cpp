@@ -75,6 +75,26 @@ std::vector<int> LiteralExtrema(const Curve& x, const Curve& y, TExtremumKind ki
 
 bool Same(double a, double b) { return a == b || (std::isnan(a) && std::isnan(b)); }
 
+// The fast edge search against the literal step in every mode: results and crosses alike.
+// withEdges counts the modes that found an edge.
+::testing::AssertionResult SameEdgesInEveryMode(const Curve& x, const Curve& y, int from, int to,
+                                                kernels::TEdgeQuery q, int& withEdges)
+{
+    for (TImpulsMode mode : {imTime, imFreq, imPhase, imCount, imDutyCycle}) {
+        q.mode = mode;
+        Marks fast, literal;
+        const double a = kernels::TimeDifference(x, y, from, to, q, fast);
+        const double b = LiteralTimeDifference(x, y, from, to, q, literal);
+        auto sameTime = [](TPoint f, TPoint l) { return Same(f.x, l.x); };
+        if (!(Same(a, b) && std::ranges::equal(fast, literal, sameTime))) {
+            return ::testing::AssertionFailure()
+                   << "n=" << x.size() << " mode=" << mode << ": " << a << " vs " << b;
+        }
+        withEdges += !literal.empty();
+    }
+    return ::testing::AssertionSuccess();
+}
+
 // Level curves with long flat stretches, so that whole blocks are skipped between edges, and
 // repeated times; zeros, ties and plateaus are common.
 TEST(KernelOracleTest, EdgeSearchPeakScanAndExtremaEqualTheLiteralVersions)
@@ -95,16 +115,7 @@ TEST(KernelOracleTest, EdgeSearchPeakScanAndExtremaEqualTheLiteralVersions)
         q.stopLevel = coin(rng) ? q.startLevel : level(rng) + 0.5;
         q.count = int(rng() % 4);
         const int from = n ? int(rng() % unsigned(n)) : 0, to = n - 1 - int(n > 1 ? rng() % 3 : 0);
-        for (TImpulsMode mode : {imTime, imFreq, imPhase, imCount, imDutyCycle}) {
-            q.mode = mode;
-            Marks fast, literal;
-            const double a = kernels::TimeDifference(x, y, from, to, q, fast);
-            const double b = LiteralTimeDifference(x, y, from, to, q, literal);
-            auto sameTime = [](TPoint f, TPoint l) { return Same(f.x, l.x); };
-            ASSERT_TRUE(Same(a, b) && std::ranges::equal(fast, literal, sameTime))
-                << "n=" << n << " trial=" << trial << " mode=" << mode << ": " << a << " vs " << b;
-            withEdges += !literal.empty();
-        }
+        ASSERT_TRUE(SameEdgesInEveryMode(x, y, from, to, q, withEdges)) << "trial=" << trial;
         kernels::TPeakScan want{big, 0, -big, 0};
         for (int i = from; i <= to; ++i) {
             if (y[i] != 0.0 && y[i] > want.max) want.max = y[i], want.maxX = x[i];
@@ -151,15 +162,8 @@ TEST(KernelOracleTest, EdgeSearchAndExtremaEqualTheLiteralFormsForEveryInput)
         kernels::TEdgeQuery q{pick(levels), pick(levels), coin(rng), coin(rng), coin(rng)};
         q.count = int(rng() % 4);
         const int from = n ? int(rng() % unsigned(n)) : 0, to = n - 1 - int(n > 1 ? rng() % 3 : 0);
-        for (TImpulsMode mode : {imTime, imFreq, imPhase, imCount, imDutyCycle}) {
-            q.mode = mode;
-            Marks fast, literal;
-            const double a = kernels::TimeDifference(x, y, from, to, q, fast);
-            const double b = LiteralTimeDifference(x, y, from, to, q, literal);
-            auto sameTime = [](TPoint f, TPoint l) { return Same(f.x, l.x); };
-            ASSERT_TRUE(Same(a, b) && std::ranges::equal(fast, literal, sameTime))
-                << "n=" << n << " trial=" << trial << " mode=" << mode << ": " << a << " vs " << b;
-        }
+        int withEdges = 0;
+        ASSERT_TRUE(SameEdgesInEveryMode(x, y, from, to, q, withEdges)) << "trial=" << trial;
         const double windows[] = {0.0, 0.3, 1.0, -1.0, nan, inf}, epsilons[] = {0.0, 0.4, 2.0, nan};
         const double window = pick(windows), epsilon = pick(epsilons);
         for (auto kind : {TExtremumKind::Maximum, TExtremumKind::Minimum}) {
