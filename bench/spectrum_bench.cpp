@@ -17,6 +17,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <map>
 #include <memory>
 #include <random>
@@ -201,7 +202,8 @@ void PrintFirstCalls()
 {
     std::printf("\nFirst spectrum of a size (fresh process) vs its repeat\n");
     for (int log2 : kFirstCallSizes) {
-        const std::string command = std::string("/proc/self/exe ") + kFirstCallOption + std::to_string(log2);
+        const std::string command = std::filesystem::read_symlink("/proc/self/exe").string() + " " + kFirstCallOption +
+                                    std::to_string(log2);
         std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command.c_str(), "r"), pclose);
         int size = 0;
         double first = 0, repeat = 0;
