@@ -48,15 +48,6 @@ struct TCorrectionRow {
     double y;
 };
 
-std::optional<double> StrictNumber(QString text)
-{
-    text.replace(',', '.');
-    bool ok = false;
-    const double v = text.trimmed().toDouble(&ok);
-    if (!ok) return std::nullopt;
-    return v;
-}
-
 // Rows "x;y" of a correction table; lines that do not hold two numbers are skipped.
 std::vector<TCorrectionRow> ReadCorrectionTable(const QString& fileName)
 {
@@ -72,11 +63,10 @@ std::vector<TCorrectionRow> ReadCorrectionTable(const QString& fileName)
         const qsizetype semicolon = line.indexOf(';');
         const QString before = semicolon < 0 ? line : line.left(semicolon);
         const QString after = semicolon < 0 ? QString() : line.mid(semicolon + 1);
-        if (!StrictNumber(before) || !StrictNumber(after)) continue;
-        QString x = before, y = after;
-        x.replace(',', '.').replace('.', ',');
-        y.replace(',', '.').replace('.', ',');
-        rows.push_back({StrToFloatP(x), StrToFloatP(y)});
+        // Every "," counts as a decimal point here, so "1,000.5" holds no number.
+        const std::optional<double> x = ReadFloatP(QString(before).replace(',', '.'));
+        const std::optional<double> y = ReadFloatP(QString(after).replace(',', '.'));
+        if (x && y) rows.push_back({*x, *y});
     }
     return rows;
 }

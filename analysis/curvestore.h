@@ -3,6 +3,8 @@
 // the clip marks that bound a measurement. GUI-free; the scope window only draws it.
 #include <QString>
 
+#include <optional>
+
 #include <span>
 #include <vector>
 
@@ -93,8 +95,11 @@ TScopeSettings& ScopeSettings();
 extern int RangeFrom;
 extern int RangeTo;
 
-// Reads a user-typed number: "," is the decimal separator unless the text holds a "."; an
-// unreadable text gives 0, never an error.
+// Reads a user-typed number: "," is the decimal separator unless the text holds a "."; nothing
+// when the text holds no finite number ("inf" and "nan" are words, not numbers).
+std::optional<double> ReadFloatP(const QString& s);
+
+// ReadFloatP, with 0 for an unreadable text, never an error.
 double StrToFloatP(const QString& s);
 
 }  // namespace dv::analysis

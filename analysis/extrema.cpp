@@ -1,29 +1,32 @@
 #include "analysis/extrema.h"
 
 #include <algorithm>
+#include <cmath>
 #include <deque>
+#include <numeric>
 
 namespace dv::analysis {
 
 namespace {
-// Largest value of a window of indices that slides forward; a monotonic queue of candidates.
-class TSlidingMax {
+// The best point of a window that slides forward over positions 0, 1, 2, ...: a monotonic queue
+// holding only the points that can still become the best. Better(a, b) must be a strict order.
+template <typename Better>
+class TSlidingBest {
 public:
-    explicit TSlidingMax(std::span<const double> v) : v_(v) {}
-    void Push(std::size_t i)
+    explicit TSlidingBest(Better better) : better_(better) {}
+    void Push(std::size_t position)
     {
-        while (!q_.empty() && v_[q_.back()] <= v_[i]) q_.pop_back();
-        q_.push_back(i);
+        while (!q_.empty() && better_(position, q_.back())) q_.pop_back();
+        q_.push_back(position);
     }
     void DropBefore(std::size_t first)
     {
         while (!q_.empty() && q_.front() < first) q_.pop_front();
     }
-    bool Empty() const { return q_.empty(); }
-    double Max() const { return v_[q_.front()]; }
+    std::size_t Best() const { return q_.front(); }
 
 private:
-    std::span<const double> v_;
+    Better better_;
     std::deque<std::size_t> q_;
 };
 }  // namespace
@@ -32,29 +35,40 @@ std::vector<int> FindAllExtrema(std::span<const double> x, std::span<const doubl
                                 TExtremumKind kind, double tolerance, double epsilon)
 {
     const std::size_t n = std::min(x.size(), y.size());
-    // Minima are the maxima of the negated values.
-    std::vector<double> v(y.begin(), y.begin() + static_cast<std::ptrdiff_t>(n));
-    if (kind == TExtremumKind::Minimum) {
-        for (double& e : v) e = -e;
-    }
-    std::vector<int> found;
-    TSlidingMax before(v), after(v);
-    std::size_t leftEdge = 0;   // first index within tolerance before i
-    std::size_t rightEnd = 0;   // one past the last index within tolerance after i
+    // The taking part points in time order (stable: equal times keep their index order), their
+    // values turned upside down for minima.
+    std::vector<int> index;
     for (std::size_t i = 0; i < n; ++i) {
-        // Window before i: [leftEdge, i).
-        if (i > 0) before.Push(i - 1);
-        while (leftEdge < i && x[i] - x[leftEdge] > tolerance) ++leftEdge;
-        before.DropBefore(leftEdge);
-        // Window after i: (i, rightEnd).
-        if (rightEnd < i + 1) rightEnd = i + 1;
-        while (rightEnd < n && x[rightEnd] - x[i] <= tolerance) after.Push(rightEnd++);
-        after.DropBefore(i + 1);
-
-        const bool aboveEarlier = before.Empty() || before.Max() < v[i] - epsilon;
-        const bool notBelowLater = after.Empty() || after.Max() <= v[i] + epsilon;
-        if (aboveEarlier && notBelowLater) found.push_back(static_cast<int>(i));
+        if (std::isfinite(x[i]) && std::isfinite(y[i])) index.push_back(static_cast<int>(i));
     }
+    auto time = [&x](int i) { return x[static_cast<std::size_t>(i)]; };
+    if (!std::ranges::is_sorted(index, {}, time)) std::ranges::stable_sort(index, {}, time);
+    const double sign = kind == TExtremumKind::Maximum ? 1.0 : -1.0;
+    std::vector<double> t(index.size()), v(index.size());
+    for (std::size_t k = 0; k < index.size(); ++k) {
+        t[k] = time(index[k]);
+        v[k] = sign * y[static_cast<std::size_t>(index[k])];
+    }
+
+    // The window of position k is [first, end) plus k itself. As times ascend, |t[j] - t[k]| grows
+    // with the distance in positions on either side, and both ends only move forward.
+    TSlidingBest highest([&](std::size_t a, std::size_t b) {
+        return v[a] > v[b] || (v[a] == v[b] && index[a] < index[b]);
+    });
+    TSlidingBest lowest([&](std::size_t a, std::size_t b) { return v[a] < v[b]; });
+    std::vector<int> found;
+    std::size_t first = 0, end = 0;
+    for (std::size_t k = 0; k < t.size(); ++k) {
+        while (first < k && !(std::abs(t[k] - t[first]) <= tolerance)) ++first;
+        for (; end <= k || (end < t.size() && std::abs(t[end] - t[k]) <= tolerance); ++end) {
+            highest.Push(end);
+            lowest.Push(end);
+        }
+        highest.DropBefore(first);
+        lowest.DropBefore(first);
+        if (highest.Best() == k && v[k] - v[lowest.Best()] >= epsilon) found.push_back(index[k]);
+    }
+    std::ranges::sort(found);
     return found;
 }
 

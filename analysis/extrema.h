@@ -7,10 +7,12 @@ namespace dv::analysis {
 
 enum class TExtremumKind { Maximum, Minimum };
 
-// Indices of all local maxima (or minima) of the points (x, y), x ascending. Point i is a local
-// maximum when no point within tolerance of x[i] (in x) is greater than y[i] + epsilon, and every
-// earlier point within that window is lower than y[i] - epsilon: on a plateau only its first point
-// counts. Minima likewise with the comparisons turned round. Runs in linear time.
+// Indices, ascending, of all local maxima (or minima) of the points (x, y). Only points whose x
+// and y are both finite take part. Point i is a local maximum when, within its window (the points
+// j with |x[j] - x[i]| <= tolerance, and i itself), no point lies above it, none before it
+// (lower index) lies level with it, and it stands at least epsilon above the window's lowest point.
+// Minima are the same with the values turned upside down. Times need not be ascending. Runs in
+// O(n log n), O(n) for ascending times.
 std::vector<int> FindAllExtrema(std::span<const double> x, std::span<const double> y,
                                 TExtremumKind kind, double tolerance, double epsilon);
 

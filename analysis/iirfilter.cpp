@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cmath>
 #include <complex>
+#include <limits>
 #include <numbers>
 #include <vector>
 
@@ -56,6 +57,97 @@ void Validate(TFilterResponse response, int order, double f1, double f2, double 
     }
 }
 
+// The poles above the real axis (one of each conjugate pair) ordered by real part, then the real
+// poles ordered likewise.
+std::vector<Complex> ReducedPoles(const std::vector<Complex>& all)
+{
+    constexpr double tolerance = 100 * std::numeric_limits<double>::epsilon();
+    std::vector<Complex> complexPoles, realPoles;
+    for (const Complex& p : all) {
+        if (std::abs(p.imag()) <= tolerance * std::abs(p)) {
+            realPoles.emplace_back(p.real(), 0.0);
+        } else if (p.imag() > 0) {
+            complexPoles.push_back(p);
+        }
+    }
+    auto byReal = [](const Complex& a, const Complex& b) {
+        return a.real() != b.real() ? a.real() < b.real() : a.imag() < b.imag();
+    };
+    std::ranges::stable_sort(complexPoles, byReal);
+    std::ranges::stable_sort(realPoles, byReal);
+    complexPoles.insert(complexPoles.end(), realPoles.begin(), realPoles.end());
+    return complexPoles;
+}
+
+bool IsReal(Complex p) { return p.imag() == 0; }
+
+constexpr std::size_t kNone = std::numeric_limits<std::size_t>::max();
+
+// Index of the pole nearest to the unit circle, of the real ones only when asked; the first of
+// equally near ones; kNone when there is none.
+std::size_t NearestToUnitCircle(const std::vector<Complex>& poles, bool realOnly)
+{
+    std::size_t best = kNone;
+    for (std::size_t i = 0; i < poles.size(); ++i) {
+        if (realOnly && !IsReal(poles[i])) continue;
+        if (best == kNone || std::abs(1 - std::abs(poles[i])) < std::abs(1 - std::abs(poles[best]))) best = i;
+    }
+    return best;
+}
+
+template <typename T>
+T Take(std::vector<T>& v, std::size_t i)
+{
+    const T e = v[i];
+    v.erase(v.begin() + static_cast<std::ptrdiff_t>(i));
+    return e;
+}
+
+// Removes and returns the zero nearest to p; the first (lowest) of equally near ones.
+double TakeNearestZero(std::vector<double>& zeros, Complex p)
+{
+    std::size_t best = 0;
+    for (std::size_t i = 1; i < zeros.size(); ++i) {
+        if (std::abs(zeros[i] - p) < std::abs(zeros[best] - p)) best = i;
+    }
+    return Take(zeros, best);
+}
+
+// Second-order sections from the digital poles and as many real zeros. Working from the last
+// section back, the pole nearest the unit circle goes in next and takes the two zeros nearest to
+// it; the gain goes into the first section. A band pass thus gets a double zero at z = 1 beside its
+// low poles and at z = -1 beside its high ones: a zero pair (1, -1) on every section instead lets
+// the signal between the sections of a wide band grow by orders of magnitude.
+TSosCascade PairIntoSections(const std::vector<Complex>& allPoles, std::vector<double> zeros, double gain)
+{
+    std::vector<Complex> poles = ReducedPoles(allPoles);
+    if (allPoles.size() % 2 == 1) {  // an odd count gets a pole and a zero at the origin
+        poles.emplace_back(0.0, 0.0);
+        zeros.push_back(0.0);
+    }
+    std::ranges::sort(zeros);
+    TSosCascade cascade;
+    cascade.count = static_cast<int>((allPoles.size() + 1) / 2);
+    for (int si = cascade.count - 1; si >= 0; --si) {
+        TBiquad& s = cascade.sections[static_cast<std::size_t>(si)];
+        const Complex p1 = Take(poles, NearestToUnitCircle(poles, false));
+        const bool realLeft = std::ranges::any_of(poles, IsReal);
+        if (IsReal(p1) && !realLeft) {  // the last real pole: a first-order section
+            const double z1 = TakeNearestZero(zeros, p1);
+            s = {1, -z1, 0, -p1.real(), 0};
+            continue;
+        }
+        const Complex p2 = IsReal(p1) ? Take(poles, NearestToUnitCircle(poles, true)) : std::conj(p1);
+        const double z1 = TakeNearestZero(zeros, p1);
+        const double z2 = TakeNearestZero(zeros, p1);
+        s = {1, -(z1 + z2), z1 * z2, -(p1 + p2).real(), (p1 * p2).real()};
+    }
+    TBiquad& first = cascade.sections[0];
+    first.b0 *= gain;
+    first.b1 *= gain;
+    first.b2 *= gain;
+    return cascade;
+}
 }  // namespace
 
 TSosCascade DesignButterworth(TFilterResponse response, int order, double frequency1, double frequency2,
@@ -106,55 +198,9 @@ TSosCascade DesignButterworth(TFilterResponse response, int order, double freque
         digital.push_back((K + p) / (K - p));
         gainFactor /= (K - p);
     }
-    const double digitalGain = gain * gainFactor.real();
-
-    TSosCascade cascade;
-    std::vector<double> realPoles;
-    const double tolerance = 1e-12;
-    for (const Complex& p : digital) {
-        if (p.imag() > tolerance) {
-            TBiquad& s = cascade.sections[static_cast<std::size_t>(cascade.count++)];
-            s.a1 = -2.0 * p.real();
-            s.a2 = std::norm(p);
-        } else if (p.imag() >= -tolerance) {
-            realPoles.push_back(p.real());
-        }
-    }
-    int firstOrderSection = -1;
-    for (std::size_t i = 0; i < realPoles.size(); i += 2) {
-        TBiquad& s = cascade.sections[static_cast<std::size_t>(cascade.count++)];
-        if (i + 1 < realPoles.size()) {
-            s.a1 = -(realPoles[i] + realPoles[i + 1]);
-            s.a2 = realPoles[i] * realPoles[i + 1];
-        } else {
-            s.a1 = -realPoles[i];
-            s.a2 = 0;
-            firstOrderSection = cascade.count - 1;
-        }
-    }
-    for (int i = 0; i < cascade.count; ++i) {
-        TBiquad& s = cascade.sections[static_cast<std::size_t>(i)];
-        const bool firstOrder = i == firstOrderSection;
-        switch (response) {
-        case TFilterResponse::LowPass:
-            s.b1 = firstOrder ? 1 : 2;
-            s.b2 = firstOrder ? 0 : 1;
-            break;
-        case TFilterResponse::HighPass:
-            s.b1 = firstOrder ? -1 : -2;
-            s.b2 = firstOrder ? 0 : 1;
-            break;
-        case TFilterResponse::BandPass:
-            s.b1 = 0;
-            s.b2 = -1;
-            break;
-        }
-    }
-    TBiquad& first = cascade.sections[0];
-    first.b0 *= digitalGain;
-    first.b1 *= digitalGain;
-    first.b2 *= digitalGain;
-    return cascade;
+    std::vector<double> zeros(digital.size() - static_cast<std::size_t>(zerosAtOrigin), -1.0);
+    zeros.insert(zeros.end(), static_cast<std::size_t>(zerosAtOrigin), 1.0);
+    return PairIntoSections(digital, zeros, gain * gainFactor.real());
 }
 
 namespace {

@@ -212,23 +212,28 @@ inline V2 Max2(V2 a, V2 b) { return a > b ? a : b; }
 // reaches level a or level b; end when none does. A block reaches no level when all its samples
 // and the one before lie on one side of each level, which its minimum and maximum tell without a
 // branch per sample. Segments that reach neither level change nothing in the edge search.
+// The branch-free min/max lets a NaN overwrite the extremes gathered before it, so a block that
+// holds a NaN or an infinity (s - s is then NaN) is always stepped through sample by sample.
 int NextCandidateBlock(const double* y, int i, int end, double a, double b)
 {
     for (; i + kBlock <= end; i += kBlock) {
         const double* p = y + i;
         V2 lo0{p[-1], p[-1]}, hi0 = lo0, lo1 = lo0, hi1 = lo0;
+        V2 nonFinite = lo0 - lo0;
         for (int k = 0; k < kBlock; k += 4) {
             const V2 u = Load2(p + k), v = Load2(p + k + 2);
             lo0 = Min2(lo0, u);
             hi0 = Max2(hi0, u);
             lo1 = Min2(lo1, v);
             hi1 = Max2(hi1, v);
+            nonFinite += (u - u) + (v - v);
         }
         const V2 lo = Min2(lo0, lo1), hi = Max2(hi0, hi1);
         const double mn = std::min(lo[0], lo[1]), mx = std::max(hi[0], hi[1]);
         const bool clearOfA = mn > a || mx < a;
         const bool clearOfB = mn > b || mx < b;
-        if (!(clearOfA && clearOfB)) return i;
+        const bool finite = nonFinite[0] + nonFinite[1] == 0.0;
+        if (!(clearOfA && clearOfB && finite)) return i;
     }
     return i;
 }

@@ -1,6 +1,7 @@
 #include "scope/envelopefile.h"
 
 #include "framework/dvtools.h"
+#include "framework/intconvert.h"
 #include "framework/translate.h"
 
 #include <QFile>
@@ -13,6 +14,9 @@
 #include <SimpleIni.h>
 
 #include <cmath>
+#include <cstdlib>
+#include <limits>
+#include <optional>
 
 namespace dv::scope {
 
@@ -35,6 +39,33 @@ QString FloatText(double v, QChar decimalSeparator)
     QString s = DVFloatToStr(v);
     s.replace('.', decimalSeparator);
     return s;
+}
+
+// A value as the platform's profile reading returns it: the first of duplicate keys (SimpleIni
+// in multi-key mode keeps them all, in file order), without the quotes around a quoted value.
+QString ProfileValue(const CSimpleIniA& ini, const char* section, const char* key)
+{
+    QString value = QString::fromLatin1(ini.GetValue(section, key, "")).trimmed();
+    const bool quoted = value.size() >= 2 && (value.front() == '"' || value.front() == '\'') &&
+                        value.back() == value.front();
+    return quoted ? value.mid(1, value.size() - 2) : value;
+}
+
+// A coordinate; unreadable text is 0. The largest double written with 15 significant digits
+// (1.79769313486232E308) rounds up beyond the double range: it reads back as the largest double
+// rather than as unreadable.
+double Coordinate(const QString& text)
+{
+    if (const std::optional<double> v = analysis::ReadFloatP(text)) return *v;
+    QString t = text.trimmed();
+    if (!t.contains('.')) t.replace(',', '.');
+    const QByteArray latin = t.toLatin1();
+    char* end = nullptr;
+    const long double wide = std::strtold(latin.constData(), &end);
+    constexpr long double largestWritten = 1.79769313486232e308L;
+    constexpr double largest = std::numeric_limits<double>::max();
+    if (latin.isEmpty() || *end != '\0' || !(std::fabs(wide) <= largestWritten)) return 0.0;
+    return std::copysign(largest, static_cast<double>(wide));
 }
 
 QByteArray SectionText(const TCurveStore& store, const TSection& section, QChar separator)
@@ -86,10 +117,13 @@ void LoadHK(TCurveStore& store, const QString& fileName)
         store.Clear(section.handle);
         if (!QFileInfo::exists(fileName)) throw TFileNotFoundException(fileName);
         CSimpleIniA ini;  // keys and sections compare without case, as on the platform
+        ini.SetMultiKey(true);
         if (ini.LoadFile(QFile::encodeName(fileName).constData()) < 0) {
             throw TDravikException(Format(_("Die Datei %s kann nicht gelesen werden"), {fileName}));
         }
-        const long n = ini.GetLongValue(section.name, "Values", -1);
+        // The runtime's integer reading: "$3" and "0x3" are hexadecimal, anything else that is no
+        // 32-bit integer reads as the default.
+        const long n = StrToIntDef(ProfileValue(ini, section.name, "Values"), -1);
         if (n > kMaxPoints) {
             throw TDravikException(Format(_("Ungültige Punktzahl %s im Abschnitt %s"),
                                           {QString::number(n), QString::fromLatin1(section.name)}));
@@ -98,10 +132,8 @@ void LoadHK(TCurveStore& store, const QString& fileName)
             const QByteArray xKey = "XValue" + QByteArray::number(static_cast<qlonglong>(i));
             const QByteArray yKey = "YValue" + QByteArray::number(static_cast<qlonglong>(i));
             // A missing or unreadable coordinate reads as 0.
-            const double x = analysis::StrToFloatP(
-                QString::fromLatin1(ini.GetValue(section.name, xKey.constData(), "")));
-            const double y = analysis::StrToFloatP(
-                QString::fromLatin1(ini.GetValue(section.name, yKey.constData(), "")));
+            const double x = Coordinate(ProfileValue(ini, section.name, xKey.constData()));
+            const double y = Coordinate(ProfileValue(ini, section.name, yKey.constData()));
             store.Append(section.handle, x, y);
         }
     }

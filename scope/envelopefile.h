@@ -35,8 +35,10 @@ QChar LocaleDecimalSeparator();
 void SaveHK(const analysis::TCurveStore& store, const QString& fileName,
             QChar decimalSeparator = LocaleDecimalSeparator());
 
-// Replaces handles 5 and 6 by the envelopes of the file. A missing section reads as an empty
-// envelope, a missing coordinate as 0. Raises TEnvelopeFileMissing when the file does not exist
+// Replaces handles 5 and 6 by the envelopes of the file, read as the platform's profile functions
+// read them: the first of duplicate keys counts, a quoted value loses its quotes, the count is read
+// as the runtime reads integers ("$3" is 3). A missing section reads as an empty envelope, a
+// missing or unreadable coordinate as 0; the largest double as saved reads back as itself. Raises TEnvelopeFileMissing when the file does not exist
 // (both envelopes untouched), TFileNotFoundException when it disappears between the two sections
 // and TDravikException when it cannot be read; points loaded before a fault stay.
 void LoadHK(analysis::TCurveStore& store, const QString& fileName);

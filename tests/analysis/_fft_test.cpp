@@ -1,7 +1,7 @@
 #include "analysis/_fft.h"
 #include "analysis/radix2.h"
 
-#include "tests/analysis/spectrum_refdata.h"
+#include "tests/analysis/refdata.h"
 
 #include <gtest/gtest.h>
 
@@ -46,7 +46,7 @@ TEST_F(FftEngineTest, SetDataNrTakesLargestTableSizeOrRejects)
 
 TEST_F(FftEngineTest, SpectrumMatchesNumpyForEveryWindowAndLayout)
 {
-    for (const test::TSpectrumCase& c : test::LoadSpectrumCases("fft_engine.txt")) {
+    for (const test::TRefCase& c : test::LoadRefCases("fft_engine.txt")) {
         int n = c.Int("n");
         FFTSetDataNr(n);
         FFTReal = static_cast<unsigned char>(c.Int("real"));

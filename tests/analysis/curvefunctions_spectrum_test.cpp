@@ -1,7 +1,7 @@
 #include "analysis/curvefunctions_spectrum.h"
 
 #include "analysis/fftwspectrum.h"
-#include "tests/analysis/spectrum_refdata.h"
+#include "tests/analysis/refdata.h"
 
 #include <gtest/gtest.h>
 
@@ -17,7 +17,7 @@ class SpectrumFunctionsTest : public test::ScopeCurveTest {};
 
 TEST_F(SpectrumFunctionsTest, AmplitudeSpectrumOfTheRangeMatchesNumpy)
 {
-    for (const test::TSpectrumCase& c : test::LoadSpectrumCases("fft_amplitudes.txt")) {
+    for (const test::TRefCase& c : test::LoadRefCases("fft_amplitudes.txt")) {
         // The reference is the largest power of two from the range start, the rest far off. Both
         // sides are double FFTs of 1024 points: rounding stays near 1e-15 of the largest line (about 1).
         std::vector<double> y(1500, 100.0);
@@ -37,7 +37,7 @@ TEST_F(SpectrumFunctionsTest, DistortionOffTheLinesMatchesNumpy)
 {
     SetCurve(std::vector<double>(64, 3.0), 100);
     EXPECT_EQ(Klirrfaktor(1), 0.0);  // flat and unweighted: no line above DC
-    for (const test::TSpectrumCase& c : test::LoadSpectrumCases("thd.txt")) {
+    for (const test::TRefCase& c : test::LoadRefCases("thd.txt")) {
         SetCurve(c.values, c.Number("n"));
         ScopeSettings()._FFTWindow = static_cast<unsigned char>(c.Int("window"));
         // The same lines picked from two double FFTs: only rounding differs.
@@ -68,7 +68,7 @@ TEST_F(SpectrumFunctionsTest, SinadOfSineWithKnownNoise)
     SetCurve(std::vector<double>(4096, 1.0), 1000);
     EXPECT_EQ(Sinad(1), 0.0);
     EXPECT_EQ(FFTDataNr, 2048);
-    for (const test::TSpectrumCase& c : test::LoadSpectrumCases("sinad.txt")) {
+    for (const test::TRefCase& c : test::LoadRefCases("sinad.txt")) {
         SetCurve(c.values, c.Number("rate"));
         ScopeSettings()._Abtastrate = QString::number(c.Number("rate"));
         ScopeSettings()._Bandbreite = c.params.at("bandwidth") == "-" ? "" : QString::fromStdString(c.params.at("bandwidth"));
@@ -96,23 +96,6 @@ TEST_F(SpectrumFunctionsTest, SinadNotchFollowsUsefulSignalAndBandwidth)
         ScopeSettings()._Bandbreite = bandwidth;
         EXPECT_NEAR(Sinad(1), expected, 1e-9) << rate << " " << signal << " " << bandwidth;
     }
-}
-
-TEST_F(SpectrumFunctionsTest, SinadBuffersKeepWhatEarlierCallsLeftBelowTheRange)
-{
-    // The transform reads buffer positions from 0: below a clipped start lie the previous call's lines.
-    ScopeSettings()._Abtastrate = "1000";
-    auto clippedAfter = [&](double otherLine) {
-        ScopeStore().SetClip("", "");
-        SetCurve(test::Tones(1025, {{otherLine, 1.0}}), 1000);
-        Sinad(1);
-        SetCurve(test::Tones(1025, {{100, 1.0}, {33, 0.01}}), 1000);
-        ScopeStore().SetClip("0,1", "");
-        return Sinad(1);
-    };
-    const double afterFirst = clippedAfter(200);
-    EXPECT_EQ(clippedAfter(200), afterFirst);
-    EXPECT_NE(clippedAfter(37), afterFirst);
 }
 
 }  // namespace

@@ -3,13 +3,13 @@
 #include "analysis/curvefunctions.h"
 #include "framework/exceptions.h"
 #include "scope/envelopefile.h"
+#include "tests/analysis/refdata.h"
 
 #include <gmock/gmock.h>
 
 #include <QFile>
 #include <QTemporaryDir>
 
-#include <fstream>
 #include <functional>
 #include <limits>
 #include <map>
@@ -19,36 +19,6 @@ namespace dv::analysis::test {
 namespace {
 
 using ::testing::NanSensitiveDoubleNear;
-
-struct TMeasureCase {
-    std::string name;
-    std::vector<double> x, y;
-    std::map<std::string, double> at;  // parameters and expected results, by name
-};
-
-// Reads the cases that make_measure_refs.py writes (format described there).
-std::vector<TMeasureCase> LoadCases(const std::string& file)
-{
-    std::ifstream in(std::string(DV_TEST_DATA_DIR) + "/analysis/data/" + file);
-    std::vector<TMeasureCase> cases(1);  // a dummy that takes anything before the first case
-    std::string kind, key;
-    while (in >> kind) {
-        if (kind == "case") {
-            in >> cases.emplace_back().name;
-        } else if (kind == "x" || kind == "y") {
-            std::vector<double>& v = kind == "x" ? cases.back().x : cases.back().y;
-            std::size_t n = 0;
-            in >> n;
-            v.resize(n);
-            for (double& e : v) in >> e;
-        } else {
-            in >> key;
-            in >> cases.back().at[key];
-        }
-    }
-    EXPECT_TRUE(in.eof() && cases.size() > 1) << "unreadable reference file " << file;
-    return {cases.begin() + 1, cases.end()};
-}
 
 class CurveFunctionsTest : public ::testing::Test {
 protected:
@@ -74,28 +44,40 @@ protected:
 TEST_F(CurveFunctionsTest, LevelsAndEdgesMatchTheReference)
 {
     auto near = [](double e, double rel) { return ::testing::DoubleNear(e, rel * std::abs(e)); };
-    for (const TMeasureCase& c : LoadCases("measure_levels.txt")) {
+    for (const TRefCase& c : LoadRefCases("measure_levels.txt")) {
         SCOPED_TRACE(c.name);
-        Store().Assign(1, c.x, c.y);
-        const double off = c.at.at("rms_offset");
-        EXPECT_THAT(KurvenMittelwert(1), near(c.at.at("mean"), 1e-11));
-        EXPECT_THAT(KurvenEffektivwert(1, off, 1), near(c.at.at("rms"), 1e-11));
-        EXPECT_THAT(KurvenOffset(1), near(c.at.at("offset"), 1e-11));
-        EXPECT_THAT(KurvenEffektivwert(1, off, 2), near(c.at.at("rms_whole_periods"), 1e-11));
-        EXPECT_NEAR(KurvenOffset(1), c.at.at("dc"), 2e-3);  // the DC part the mean misses
+        Store().Assign(1, c.Vector("x"), c.Vector("y"));
+        const double off = c.Number("rms_offset");
+        EXPECT_THAT(KurvenMittelwert(1), near(c.Number("mean"), 1e-11));
+        EXPECT_THAT(KurvenEffektivwert(1, off, 1), near(c.Number("rms"), 1e-11));
+        EXPECT_THAT(KurvenOffset(1), near(c.Number("offset"), 1e-11));
+        EXPECT_THAT(KurvenEffektivwert(1, off, 2), near(c.Number("rms_whole_periods"), 1e-11));
+        EXPECT_NEAR(KurvenOffset(1), c.Number("dc"), 2e-3);  // the DC part the mean misses
     }
-    for (const TMeasureCase& c : LoadCases("measure_pulses.txt")) {
+    for (const TRefCase& c : LoadRefCases("measure_pulses.txt")) {
         SCOPED_TRACE(c.name);
-        Store().Assign(1, c.x, c.y);
-        auto edge = [l = c.at.at("level")](int count, TImpulsMode mode) {
+        Store().Assign(1, c.Vector("x"), c.Vector("y"));
+        auto edge = [l = c.Number("level")](int count, TImpulsMode mode) {
             return Zeitdifferenz(1, l, l, true, false, true, count, mode);
         };
-        EXPECT_EQ(edge(1, imCount), c.at.at("count"));
-        EXPECT_THAT(edge(1, imTime), near(c.at.at("time_count1"), 1e-9));
-        EXPECT_THAT(edge(2, imTime), near(c.at.at("time_count2"), 1e-9));
-        EXPECT_THAT(edge(1, imFreq), near(c.at.at("frequency"), 1e-9));
-        EXPECT_THAT(edge(1, imDutyCycle), near(c.at.at("duty_cycle"), 1e-9));
-        EXPECT_THAT(edge(7, imPhase), near(c.at.at("first_rise"), 1e-9));
+        EXPECT_EQ(edge(1, imCount), c.Number("count"));
+        EXPECT_THAT(edge(1, imTime), near(c.Number("time_count1"), 1e-9));
+        EXPECT_THAT(edge(2, imTime), near(c.Number("time_count2"), 1e-9));
+        EXPECT_THAT(edge(1, imFreq), near(c.Number("frequency"), 1e-9));
+        EXPECT_THAT(edge(1, imDutyCycle), near(c.Number("duty_cycle"), 1e-9));
+        EXPECT_THAT(edge(7, imPhase), near(c.Number("first_rise"), 1e-9));
+    }
+}
+
+// Sample times are exact results, so the first extremum's time must match exactly.
+TEST_F(CurveFunctionsTest, FirstLocalExtremumMatchesTheReference)
+{
+    for (const TRefCase& c : LoadRefCases("measure_extrema.txt")) {
+        SCOPED_TRACE(c.name);
+        Store().Assign(1, c.Vector("x"), c.Vector("y"));
+        const double epsX = c.Number("eps_x"), epsY = c.Number("eps_y");
+        EXPECT_EQ(Peak(1, PeakMax, true, epsX, epsY), c.Number("max_time"));
+        EXPECT_EQ(Peak(1, PeakMin, true, epsX, epsY), c.Number("min_time"));
     }
 }
 
@@ -112,6 +94,10 @@ TEST_F(CurveFunctionsTest, HandWorkedCases)
     ASSERT_TRUE(table.open(QIODevice::WriteOnly));
     table.write("0;0\r\nno numbers here\r\n10;5\r\nabc;1\r\n20;5\r\n30,5;2\r\n7\r\n");
     table.close();
+    QFile words(dir.filePath("words.txt"));
+    ASSERT_TRUE(words.open(QIODevice::WriteOnly));
+    words.write("0;0\nnan;1\n100;10\ninf;2\n50;-inf\n-INF;3\n1e999;4\n");
+    words.close();
     constexpr double big = std::numeric_limits<double>::max();
     using V = std::vector<double>;
     const V off = {12, 1, 2.2, 4, 1, 2.2, 4, 4, 1, 2.2, 0}, ramp = {0, 10, 20, 10};
@@ -169,6 +155,12 @@ TEST_F(CurveFunctionsTest, HandWorkedCases)
         {"before the first sample the first segment extrapolates", ramp, query(false, -3), -30},
         {"the last segment is never examined", ramp, query(false, 2.5), NAN},
         {"a flat pair answers with its later time", {3, 3, 3, 0}, query(true, 3), 1},
+        {"a value on a sample: the segment that ends there", ramp, query(true, 10), 1, Marks({1, 10})},
+        {"on a falling segment: (15 - 10) * (0 - 1) / (20 - 10) + 1", {20, 10, 0, 0}, query(true, 15), 0.5,
+         Marks({0.5, 15})},
+        {"a sample's time gives its value", ramp, query(false, 2), 20, Marks({2, 20})},
+        {"a NaN value is found nowhere", ramp, query(true, NAN), NAN, Marks({})},
+        {"no time is NaN", ramp, query(false, NAN), NAN, Marks({})},
         // Zeros and the last sample are skipped; equal values keep the earlier sample.
         {"spread, lowest marked first", peaks, peak(PeakDiff, false), 11, Marks({2, -2, 3, 9})},
         {"lowest of all-zero samples", {0, 0, 0}, peak(PeakMin, false), big},
@@ -187,6 +179,11 @@ TEST_F(CurveFunctionsTest, HandWorkedCases)
         // Every pass finds the first edge again, so the lag reads as -270 degrees here.
         {"the same lag, curve 2 rising first in the range", square(0), phaseTo(square(3)), -270},
         {"phase shift against a flat curve", {}, phaseTo(V(50, 1.0)), 0, Marks({})},
+        // Curve 2 rises at 0.5, a quarter period of 4 before curve 1 at 1.5; the second pass
+        // finds the same pair again: (0.5 - 1.5) * 360 / 4.
+        {"curve 2 leading by a quarter period", square(2), phaseTo(square(3)), -90},
+        // Curve 2 starts on its offset 2 and rises: its first edge lies at time 0 and counts as none.
+        {"an edge at time 0 ends the passes", square(2), phaseTo({2, 3, 3, 1, 1, 3, 3, 1, 1, 3, 3, 1, 1, 3}), 0},
         {"touching both envelopes", {1, 2, 0, 1, 2, -0.25, 3, 3.5}, inside(band), 1, Marks({})},
         {"below the lower at 5, above the upper at 6: upper first",
          {1, 2, 0, 1, 2, -0.3, 3.0000001, 9}, inside(band), 0, Marks({6, 3.0000001})},
@@ -197,6 +194,8 @@ TEST_F(CurveFunctionsTest, HandWorkedCases)
         {"correction inside a row", {5}, crossFirst(correct(table.fileName())), 4.975, Marks({})},
         {"correction by a row with a decimal comma", {25}, correct(table.fileName()), 20.01575},
         {"no correction outside every row", {-1}, correct(table.fileName()), -1},
+        // 5 - 5 * 100 / 100 * 10 / 100; read as a row, "nan;1" would become (0, 1) and give 3.55.
+        {"nan, inf and overflowing lines hold no numbers", {5}, correct(words.fileName()), 4.5},
         {"a missing correction file changes nothing", {5}, correct(dir.filePath("none.txt")), 5},
     };
     for (const Row& r : rows) {

@@ -49,26 +49,51 @@ double LiteralTimeDifference(const Curve& x, const Curve& y, int from, int to,
     return q.mode == imFreq ? (periods - 1) / (tStart - tFirst) : 0;
 }
 
-// Point i is a local maximum when no point within the window is above it (beyond epsilon) and
-// every earlier one there is below it: a plateau counts at its start.
+// The local extremum rule read literally: point i is a local maximum when no taking part point
+// within its window lies above it, none before it lies level with it, and it stands at least
+// epsilon above the window's lowest one. Only points with finite time and value take part.
 std::vector<int> LiteralExtrema(const Curve& x, const Curve& y, TExtremumKind kind, double window,
                                 double epsilon)
 {
     const double sign = kind == TExtremumKind::Maximum ? 1 : -1;
+    auto takesPart = [&](std::size_t i) { return std::isfinite(x[i]) && std::isfinite(y[i]); };
     std::vector<int> found;
     for (std::size_t i = 0; i < x.size(); ++i) {
-        bool extremum = true;
-        for (std::size_t j = 0; j < x.size() && extremum; ++j) {
-            if (j == i || std::abs(x[j] - x[i]) > window) continue;
+        if (!takesPart(i)) continue;
+        bool highest = true;
+        double lowest = sign * y[i];
+        for (std::size_t j = 0; j < x.size(); ++j) {
+            if (j == i || !takesPart(j) || !(std::abs(x[j] - x[i]) <= window)) continue;
             const double a = sign * y[j], b = sign * y[i];
-            extremum = j < i ? a < b - epsilon : a <= b + epsilon;
+            if (a > b || (a == b && j < i)) highest = false;
+            lowest = std::min(lowest, a);
         }
-        if (extremum) found.push_back(int(i));
+        if (highest && sign * y[i] - lowest >= epsilon) found.push_back(int(i));
     }
     return found;
 }
 
 bool Same(double a, double b) { return a == b || (std::isnan(a) && std::isnan(b)); }
+
+// The fast edge search against the literal step in every mode: results and crosses alike.
+// withEdges counts the modes that found an edge.
+::testing::AssertionResult SameEdgesInEveryMode(const Curve& x, const Curve& y, int from, int to,
+                                                kernels::TEdgeQuery q, int& withEdges)
+{
+    for (TImpulsMode mode : {imTime, imFreq, imPhase, imCount, imDutyCycle}) {
+        q.mode = mode;
+        Marks fast, literal;
+        const double a = kernels::TimeDifference(x, y, from, to, q, fast);
+        const double b = LiteralTimeDifference(x, y, from, to, q, literal);
+        auto sameTime = [](TPoint f, TPoint l) { return Same(f.x, l.x); };
+        if (!(Same(a, b) && std::ranges::equal(fast, literal, sameTime))) {
+            return ::testing::AssertionFailure()
+                   << "n=" << x.size() << " mode=" << mode << ": " << a << " vs " << b;
+        }
+        withEdges += !literal.empty();
+    }
+    return ::testing::AssertionSuccess();
+}
 
 // Level curves with long flat stretches, so that whole blocks are skipped between edges, and
 // repeated times; zeros, ties and plateaus are common.
@@ -90,16 +115,7 @@ TEST(KernelOracleTest, EdgeSearchPeakScanAndExtremaEqualTheLiteralVersions)
         q.stopLevel = coin(rng) ? q.startLevel : level(rng) + 0.5;
         q.count = int(rng() % 4);
         const int from = n ? int(rng() % unsigned(n)) : 0, to = n - 1 - int(n > 1 ? rng() % 3 : 0);
-        for (TImpulsMode mode : {imTime, imFreq, imPhase, imCount, imDutyCycle}) {
-            q.mode = mode;
-            Marks fast, literal;
-            const double a = kernels::TimeDifference(x, y, from, to, q, fast);
-            const double b = LiteralTimeDifference(x, y, from, to, q, literal);
-            auto sameTime = [](TPoint f, TPoint l) { return Same(f.x, l.x); };
-            ASSERT_TRUE(Same(a, b) && std::ranges::equal(fast, literal, sameTime))
-                << "n=" << n << " trial=" << trial << " mode=" << mode << ": " << a << " vs " << b;
-            withEdges += !literal.empty();
-        }
+        ASSERT_TRUE(SameEdgesInEveryMode(x, y, from, to, q, withEdges)) << "trial=" << trial;
         kernels::TPeakScan want{big, 0, -big, 0};
         for (int i = from; i <= to; ++i) {
             if (y[i] != 0.0 && y[i] > want.max) want.max = y[i], want.maxX = x[i];
@@ -118,6 +134,65 @@ TEST(KernelOracleTest, EdgeSearchPeakScanAndExtremaEqualTheLiteralVersions)
         }
     }
     EXPECT_GT(withEdges, 1000);  // the sweep really exercises edges
+}
+
+// Curves long enough for many skipped blocks, with NaN and infinite samples and times dropped in,
+// levels between the sample values and on them, and times ascending with repeats or in no order.
+TEST(KernelOracleTest, EdgeSearchAndExtremaEqualTheLiteralFormsForEveryInput)
+{
+    constexpr double inf = std::numeric_limits<double>::infinity();
+    constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+    const double odd[] = {nan, inf, -inf};
+    const double levels[] = {-1, 0, 0.25, 1, -0.7, 1.5, nan};
+    std::mt19937 rng(2024);
+    std::bernoulli_distribution coin, rare(0.03);
+    std::uniform_real_distribution<double> wave(-1.5, 1.5);
+    auto pick = [&rng](const auto& table) { return table[rng() % std::size(table)]; };
+    for (int trial = 0; trial < 1200; ++trial) {
+        const int n = int(rng() % 200);
+        const bool sorted = trial % 3 != 0, smooth = trial % 2 == 0;
+        Curve x(n), y(n);
+        for (int i = 0; i < n; ++i) {
+            x[i] = sorted ? (i ? x[i - 1] + coin(rng) * 0.5 : 0.0) : wave(rng);
+            // Flat stretches (whole blocks clear of a level) or a noisy wave.
+            y[i] = smooth ? (i && !rare(rng) ? y[i - 1] : std::round(wave(rng))) : wave(rng);
+            if (rare(rng)) y[i] = pick(odd);
+            if (rare(rng)) x[i] = pick(odd);
+        }
+        kernels::TEdgeQuery q{pick(levels), pick(levels), coin(rng), coin(rng), coin(rng)};
+        q.count = int(rng() % 4);
+        const int from = n ? int(rng() % unsigned(n)) : 0, to = n - 1 - int(n > 1 ? rng() % 3 : 0);
+        int withEdges = 0;
+        ASSERT_TRUE(SameEdgesInEveryMode(x, y, from, to, q, withEdges)) << "trial=" << trial;
+        const double windows[] = {0.0, 0.3, 1.0, -1.0, nan, inf}, epsilons[] = {0.0, 0.4, 2.0, nan};
+        const double window = pick(windows), epsilon = pick(epsilons);
+        for (auto kind : {TExtremumKind::Maximum, TExtremumKind::Minimum}) {
+            ASSERT_EQ(FindAllExtrema(x, y, kind, window, epsilon), LiteralExtrema(x, y, kind, window, epsilon))
+                << "trial=" << trial << " window=" << window << " epsilon=" << epsilon;
+        }
+    }
+}
+
+// Hand-worked: a NaN after the rising edge of the first block must not hide that edge.
+TEST(KernelOracleTest, NaNAfterAnEdgeInTheSameBlockKeepsTheEdge)
+{
+    constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+    struct TRow {
+        Curve y;
+        double count;
+    };
+    Curve nanAfterRise = {-1, 1, 1, 1, 1, nan, nan, nan, nan};
+    nanAfterRise.resize(40, 1.0);
+    Curve risesTwice = nanAfterRise;
+    risesTwice[30] = -1;
+    const TRow rows[] = {{nanAfterRise, 1}, {risesTwice, 2}};
+    for (const TRow& r : rows) {
+        Curve x(r.y.size());
+        for (std::size_t i = 0; i < x.size(); ++i) x[i] = double(i);
+        const kernels::TEdgeQuery q{0, 0, true, true, true, 1, imCount};
+        Marks marks;
+        EXPECT_EQ(kernels::TimeDifference(x, r.y, 0, int(x.size()) - 1, q, marks), r.count);
+    }
 }
 
 // Sorted and unordered sample and envelope times; values on a coarse grid, so that samples fall

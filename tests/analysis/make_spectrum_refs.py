@@ -5,8 +5,9 @@ Independent of the C++ code: spectra come from numpy.fft, filters from scipy.sig
 sosfilt, SINAD from the time-domain powers of a sine and its noise. Run with Debian's python3
 (numpy, scipy); the tests only read the files.
 
-File format: blocks of "case NAME key=value ..." followed by whitespace-separated numbers and
-"end"; lines starting with "#" are comments.
+File format (shared with make_measure_refs.py, read by tests/analysis/refdata.h): blocks of
+"case NAME key=value ..." followed by whitespace-separated numbers and "end"; lines starting with
+"#" are comments.
 """
 import os
 
@@ -85,15 +86,31 @@ def butterworth_cases():
     n = 400
     x = rng.standard_normal(n) + np.sin(2 * np.pi * 0.01 * np.arange(n))
     cases = [("input", {"n": n}, x)]
-    sets = {"lowpass": [(1000, 100, 0), (48000, 300, 0)],
-            "highpass": [(1000, 100, 0), (1000, 5, 0)],
-            "bandpass": [(1000, 100, 200), (48000, 300, 3400)]}
+    impulse = np.zeros(n)
+    impulse[0] = 1.0
+    # Bands as wide as the rate allows, narrow ones at either band edge, rates above 1 MHz.
+    sets = {"lowpass": [(1000, 100, 0), (48000, 300, 0), (2.5e6, 1000, 0)],
+            "highpass": [(1000, 100, 0), (1000, 5, 0), (3e6, 1.2e6, 0)],
+            "bandpass": [(1000, 100, 200), (48000, 300, 3400), (1000, 0.5, 499), (10000, 1, 4000),
+                         (44100, 20, 20000), (1000, 2, 6), (1000, 490, 498), (2e6, 1000, 9.5e5),
+                         (1.5e6, 2e5, 2.1e5)]}
     for response, params in sets.items():
         for rate, f1, f2 in params:
             for order in range(1, 9):
                 wn = [f1, f2] if response == "bandpass" else f1
                 sos = ss.butter(order, wn, response, fs=rate, output="sos")
                 cases.append((response, {"order": order, "rate": rate, "f1": f1, "f2": f2}, ss.sosfilt(sos, x)))
+    # The scope's filters over the zoomed range x[100 .. 300] of a curve sampled at 1 kHz.
+    for response, wn in (("lowpass", 50), ("highpass", 50), ("bandpass", [20, 80])):
+        sos = ss.butter(4, wn, response, fs=1000, output="sos")
+        f1, f2 = (wn, 0) if response != "bandpass" else wn
+        cases.append(("zoomed", {"response": response, "order": 4, "rate": 1000, "f1": f1, "f2": f2,
+                                 "from": 100, "to": 300}, ss.sosfilt(sos, x[100:301])))
+    # The unit impulse through the widest band: the peak output stays below 1.
+    cases.append(("input", {"n": n}, impulse))
+    for order in range(1, 9):
+        sos = ss.butter(order, [0.5, 499], "bandpass", fs=1000, output="sos")
+        cases.append(("bandpass", {"order": order, "rate": 1000, "f1": 0.5, "f2": 499}, ss.sosfilt(sos, impulse)))
     return cases
 
 

@@ -5,6 +5,8 @@
 #include <QFile>
 #include <QTemporaryDir>
 
+#include <limits>
+
 namespace dv::scope {
 namespace {
 
@@ -60,12 +62,59 @@ TEST_F(EnvelopeFileTest, LoadingReadsWhatIsMissingAsEmptyOrZeroAndFailuresKeepTh
     EXPECT_EQ(Values(store.X(kUpperEnvelope)), std::vector({1.5, 0.0, 0.0}));
     EXPECT_EQ(Values(store.Y(kUpperEnvelope)), std::vector({2.0, 4.5, 0.0}));
     EXPECT_EQ(store.CurveValuesCount(kLowerEnvelope), 0);  // no section: empty, no error
-    Write("[UpperCurve]\nValues=999999999999\n");
+    Write("[UpperCurve]\nValues=20000000\n");
     EXPECT_THAT([&] { LoadHK(store, file); },
-                ThrowsMessage<TDravikException>(::testing::HasSubstr("999999999999")));
+                ThrowsMessage<TDravikException>(::testing::HasSubstr("20000000")));
     EXPECT_THROW(SaveHK(store, dir.filePath("no/such/dir/x.HKV")), TDravikException);
     EXPECT_EQ(EnvelopeSaveFaultText("a.HKV", "voll"),
               "Scope-Plugin: Fehler beim speichern der Hüllkurvendateia.HKV !\nvoll");
+}
+
+// Files as written by hand or by other programs on the platform the envelopes come from.
+TEST_F(EnvelopeFileTest, ReadsAsThePlatformsProfileFunctions)
+{
+    using V = std::vector<double>;
+    const struct {
+        const char* what;
+        QByteArray text;  // the upper section
+        V x, y;
+    } rows[] = {
+        {"the first of duplicate keys", "Values=1\nXValue0=1\nxvalue0=2\nYValue0=3\nYValue0=4\n", {1}, {3}},
+        {"the first of duplicate counts", "Values=1\nVALUES=2\nXValue0=5\n", {5}, {0}},
+        {"a count after $ is hexadecimal", "Values=$3\nXValue2=7\n", {0, 0, 7}, {0, 0, 0}},
+        {"so is one after 0x", "Values=0x2\n", {0, 0}, {0, 0}},
+        {"a count that is no integer reads as none", "Values=2.0\nXValue0=1\n", {}, {}},
+        {"a count beyond 32 bits reads as none", "Values=4294967297\nXValue0=1\n", {}, {}},
+        {"quoted values lose their quotes", "Values=\"1\"\nXValue0=\"2,5\"\nYValue0='-4'\n", {2.5}, {-4}},
+        {"unmatched quotes stay and make the number unreadable", "Values=1\nXValue0=\"2\nYValue0=3'\n", {0}, {0}},
+        {"a number beyond the double range is unreadable", "Values=1\nXValue0=1e999\nYValue0=-1.8E308\n", {0}, {0}},
+    };
+    for (const auto& r : rows) {
+        Write("[UpperCurve]\n" + r.text);
+        LoadHK(store, file);
+        EXPECT_EQ(Values(store.X(kUpperEnvelope)), r.x) << r.what;
+        EXPECT_EQ(Values(store.Y(kUpperEnvelope)), r.y) << r.what;
+    }
+}
+
+TEST_F(EnvelopeFileTest, ExtremeValuesSurviveSavingAndLoading)
+{
+    constexpr double big = std::numeric_limits<double>::max();
+    constexpr double tiny = std::numeric_limits<double>::denorm_min();
+    const std::vector<double> x = {-big, -1e-300, 0, tiny, 1e300}, y = {big, -big, 0.1, -tiny, 1};
+    for (QChar separator : {QChar('.'), QChar(',')}) {
+        store.Assign(kUpperEnvelope, x, y);
+        store.Assign(kLowerEnvelope, y, x);
+        SaveHK(store, file, separator);
+        store.ClearAll();
+        LoadHK(store, file);
+        // Each of these has 15 significant digits or fewer, so each must come back exactly; the
+        // largest double's 15-digit text lies beyond the double range.
+        EXPECT_EQ(Values(store.X(kUpperEnvelope)), x) << separator.toLatin1();
+        EXPECT_EQ(Values(store.Y(kUpperEnvelope)), y) << separator.toLatin1();
+        EXPECT_EQ(Values(store.X(kLowerEnvelope)), y) << separator.toLatin1();
+        EXPECT_EQ(Values(store.Y(kLowerEnvelope)), x) << separator.toLatin1();
+    }
 }
 
 TEST_F(EnvelopeFileTest, NearestPointToDeleteByTime)
