@@ -1,13 +1,45 @@
 #include "host/statements.h"
 
+#include "framework/dvtools.h"
 #include "framework/exceptions.h"
 #include "framework/translate.h"
+
+#include <cmath>
 
 namespace dv::host {
 
 namespace {
 constexpr int kMaxCallDepth = 1000;
+// Arrays grow by at most this many elements between two looks at the stop request.
+constexpr int kGrowthStep = 1 << 20;
+// Beyond this many rounds a loop counter of extended precision could no longer be trusted to be exact
+// in a double, and no test would end anyway.
+constexpr long double kMaxRounds = 9007199254740992.0L;  // 2^53
+
+// The number of rounds of a for loop from `from` up to `to` in steps of 1 (down: from down to `to`).
+// Where steps of 1 are exact, the count follows the values the counter takes (from + k), so that a
+// rounded span (3.1 - 0.1) cannot add or drop a round.
+long double ForRounds(long double from, long double to, bool down, int line)
+{
+    if (!std::isfinite(from) || !std::isfinite(to)) {
+        throw TDVRuntimeException(Format(_("Die Grenzen der for-Schleife in Zeile %s sind keine endlichen Zahlen"),
+                                         {QString::number(line)}));
+    }
+    const long double span = down ? from - to : to - from;
+    if (span < 0) return 0;
+    if (span >= kMaxRounds) {
+        throw TDVRuntimeException(Format(_("Die for-Schleife in Zeile %s hätte mehr als 2^53 Durchläufe"),
+                                         {QString::number(line)}));
+    }
+    long double rounds = std::floor(span) + 1;
+    if (std::fabs(from) < kMaxRounds && std::fabs(to) < kMaxRounds) {
+        auto inside = [&](long double k) { return down ? from - k >= to : from + k <= to; };
+        if (inside(rounds)) ++rounds;
+        else if (!inside(rounds - 1)) --rounds;
+    }
+    return rounds;
 }
+}  // namespace
 
 void Undeclared(const QString& name)
 {
@@ -71,8 +103,37 @@ void TIndexAssign::Exec(TExec& ex) const
     const int index = ArrayIndex(index_->Num(ex));
     TVal v;
     value_->Eval(ex, v);
-    const TValueKind elementKind = var.value.array->GetElementKind();
-    var.value.array->SetVal(index, ToValue(Coerce(std::move(v), {elementKind, TValueKind::Misc})));
+    TArrayValue& array = *var.value.array;
+    const TValueKind elementKind = array.GetElementKind();
+    TValuePtr element = ToValue(Coerce(std::move(v), {elementKind, TValueKind::Misc}));
+    MakeRoomFor(ex, var.GetName(), array, index);
+    array.SetVal(index, std::move(element));
+}
+
+void CheckArrayLength(const TExec& ex, const QString& name, long double length)
+{
+    if (length <= ex.limits.maxArray) return;
+    throw TDVRuntimeException(Format(_("Das Array %s wäre mit %s Elementen größer als erlaubt (--max-array %s)"),
+                                     {name, DVFloatToStr(length), QString::number(ex.limits.maxArray)}));
+}
+
+void GrowArray(const TExec& ex, const QString& name, TArrayValue& array, long double length)
+{
+    if (length <= array.GetSize()) return;
+    CheckArrayLength(ex, name, length);
+    const TDVType elementType{array.GetElementKind(), TValueKind::Misc};
+    const int end = static_cast<int>(length);
+    while (array.GetSize() < end) {
+        array.SetVal(std::min(end, array.GetSize() + kGrowthStep), DefaultValue(elementType));
+        ex.CheckStop();
+    }
+}
+
+void MakeRoomFor(const TExec& ex, const QString& name, TArrayValue& array, long double index)
+{
+    if (index <= array.GetSize()) return;
+    CheckArrayLength(ex, name, index);
+    GrowArray(ex, name, array, index - 1);
 }
 
 void TIf::Exec(TExec& ex) const
@@ -90,11 +151,12 @@ void TFor::Exec(TExec& ex) const
     ex.line = Line();
     const long double from = from_->Num(ex);
     const long double to = to_->Num(ex);
+    const long double rounds = ForRounds(from, to, down_, Line());
     TVariable& var = var_->Var(ex);
     const long double step = down_ ? -1 : 1;
-    for (long double i = from; down_ ? i >= to : i <= to; i += step) {
+    for (long double k = 0; k < rounds; ++k) {
         var.value.kind = TValueKind::Number;
-        var.value.number = i;
+        var.value.number = from + step * k;
         body_.Exec(ex);
         ex.CheckStop();
     }
@@ -145,7 +207,9 @@ void TCase::Exec(TExec& ex) const
 void TProcCall::Exec(TExec& ex) const
 {
     ex.line = Line();
-    if (ex.depth >= kMaxCallDepth) {
+    ex.CheckStop();
+    const char* here = static_cast<const char*>(__builtin_frame_address(0));
+    if (ex.depth >= kMaxCallDepth || here < ex.stackLimit) {
         throw TDVRuntimeException(Format(_("Zu tiefe Rekursion beim Aufruf von %s"), {procedure_.signature.name}));
     }
     TFrame frame(procedure_.scope);
