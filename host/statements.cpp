@@ -12,25 +12,21 @@ namespace {
 constexpr int kMaxCallDepth = 1000;
 // Arrays grow by at most this many elements between two looks at the stop request.
 constexpr int kGrowthStep = 1 << 20;
-// Beyond this many rounds a loop counter of extended precision could no longer be trusted to be exact
-// in a double, and no test would end anyway.
+// More rounds than a double counts exactly; no test would end anyway.
 constexpr long double kMaxRounds = 9007199254740992.0L;  // 2^53
 
 // The number of rounds of a for loop from `from` up to `to` in steps of 1 (down: from down to `to`).
 // Where steps of 1 are exact, the count follows the values the counter takes (from + k), so that a
 // rounded span (3.1 - 0.1) cannot add or drop a round.
-long double ForRounds(long double from, long double to, bool down, int line)
+long double ForRounds(long double from, long double to, bool down)
 {
     if (!std::isfinite(from) || !std::isfinite(to)) {
-        throw TDVRuntimeException(Format(_("Die Grenzen der for-Schleife in Zeile %s sind keine endlichen Zahlen"),
-                                         {QString::number(line)}));
+        throw TDVRuntimeException(Format(_("Die Grenzen der for-Schleife sind keine endlichen Zahlen: %s, %s"),
+                                         {DVFloatToStr(from), DVFloatToStr(to)}));
     }
     const long double span = down ? from - to : to - from;
     if (span < 0) return 0;
-    if (span >= kMaxRounds) {
-        throw TDVRuntimeException(Format(_("Die for-Schleife in Zeile %s hätte mehr als 2^53 Durchläufe"),
-                                         {QString::number(line)}));
-    }
+    if (span >= kMaxRounds) throw TDVRuntimeException(_("Die for-Schleife hätte mehr als 2^53 Durchläufe"));
     long double rounds = std::floor(span) + 1;
     if (std::fabs(from) < kMaxRounds && std::fabs(to) < kMaxRounds) {
         auto inside = [&](long double k) { return down ? from - k >= to : from + k <= to; };
@@ -151,7 +147,7 @@ void TFor::Exec(TExec& ex) const
     ex.line = Line();
     const long double from = from_->Num(ex);
     const long double to = to_->Num(ex);
-    const long double rounds = ForRounds(from, to, down_, Line());
+    const long double rounds = ForRounds(from, to, down_);
     TVariable& var = var_->Var(ex);
     const long double step = down_ ? -1 : 1;
     for (long double k = 0; k < rounds; ++k) {
