@@ -46,9 +46,10 @@ struct TExec {
     // The lowest stack address a procedure call may start at; nullptr: not checked.
     const char* stackLimit = nullptr;
 
+    bool StopRequested() const { return runControl && runControl->StopRequested(); }
     void CheckStop() const
     {
-        if (runControl && runControl->StopRequested()) throw TRunStopped{};
+        if (StopRequested()) throw TRunStopped{};
     }
 };
 
@@ -88,8 +89,10 @@ struct TBlock {
     void Exec(TExec& ex) const
     {
         for (const TStmtPtr& s : statements) {
-            ex.line = s->Line();  // a stop names the statement it did not run
-            ex.CheckStop();
+            if (ex.StopRequested()) {
+                ex.line = s->Line();  // a stop names the statement it did not run
+                throw TRunStopped{};
+            }
             s->Exec(ex);
         }
     }

@@ -147,14 +147,15 @@ void TFor::Exec(TExec& ex) const
     ex.line = Line();
     const long double from = from_->Num(ex);
     const long double to = to_->Num(ex);
-    const long double rounds = ForRounds(from, to, down_);
+    const auto rounds = static_cast<std::int64_t>(ForRounds(from, to, down_));
     TVariable& var = var_->Var(ex);
-    const long double step = down_ ? -1 : 1;
-    for (long double k = 0; k < rounds; ++k) {
+    // A body with statements looks at the stop request before each of them; an empty one here.
+    const bool emptyBody = body_.statements.empty();
+    for (std::int64_t k = 0; k < rounds; ++k) {
         var.value.kind = TValueKind::Number;
-        var.value.number = from + step * k;
+        var.value.number = down_ ? from - static_cast<long double>(k) : from + static_cast<long double>(k);
         body_.Exec(ex);
-        ex.CheckStop();
+        if (emptyBody) ex.CheckStop();
     }
 }
 
