@@ -1,6 +1,7 @@
 #pragma once
 // The syntax tree the interpreter runs: expression nodes evaluate, statement nodes execute. Names are
 // resolved to slots while parsing, so running a node looks nothing up by name.
+#include "framework/services.h"
 #include "host/runtimevalue.h"
 #include "host/variables.h"
 
@@ -8,11 +9,8 @@
 #include <QString>
 
 #include <memory>
+#include <random>
 #include <vector>
-
-namespace dv {
-class TRunControl;
-}
 
 namespace dv::host {
 
@@ -27,6 +25,12 @@ public:
 // Raised when the run's stop event is set; ends the run without being a script error.
 struct TRunStopped {};
 
+// What a script may allocate; crossing a limit is a runtime error raised before the memory is taken.
+struct TLimits {
+    qsizetype maxArray = 100'000'000;      // elements of one array
+    qsizetype maxString = 1'000'000'000;   // characters of one text
+};
+
 // The state of one run: the frames, the line being executed (for error reports) and the hooks.
 struct TExec {
     TFrame* globals = nullptr;
@@ -37,8 +41,16 @@ struct TExec {
     IRunHooks* hooks = nullptr;
     // Starting values given on the command line, by global slot; they replace a declaration's own.
     const QHash<int, TVal>* defines = nullptr;
+    TLimits limits;
+    std::mt19937_64* random = nullptr;  // Random's numbers; nullptr outside a run
+    // The lowest stack address a procedure call may start at; nullptr: not checked.
+    const char* stackLimit = nullptr;
 
-    void CheckStop() const;
+    bool StopRequested() const { return runControl && runControl->StopRequested(); }
+    void CheckStop() const
+    {
+        if (StopRequested()) throw TRunStopped{};
+    }
 };
 
 class TExpr {
@@ -76,7 +88,13 @@ struct TBlock {
     std::vector<TStmtPtr> statements;
     void Exec(TExec& ex) const
     {
-        for (const TStmtPtr& s : statements) s->Exec(ex);
+        for (const TStmtPtr& s : statements) {
+            if (ex.StopRequested()) {
+                ex.line = s->Line();  // a stop names the statement it did not run
+                throw TRunStopped{};
+            }
+            s->Exec(ex);
+        }
     }
 };
 

@@ -5,6 +5,7 @@
 #include "framework/headless.h"
 #include "framework/systemlog.h"
 #include "framework/translate.h"
+#include "host/builtins.h"
 #include "host/catalogue_listing.h"
 #include "host/importer.h"
 #include "host/junit.h"
@@ -16,6 +17,8 @@
 #include <QFileInfo>
 
 #include <atomic>
+#include <climits>
+#include <cmath>
 #include <clocale>
 #include <csignal>
 #include <cstdio>
@@ -78,6 +81,9 @@ int RunScript(int& argc, char** argv, const TCliOptions& options, const QString&
         logFile.flush();
     };
     THost host;
+    if (options.maxArray) host.Exec().limits.maxArray = *options.maxArray;
+    if (options.maxString) host.Exec().limits.maxString = *options.maxString;
+    if (options.seed) host.SetRandomSeed(static_cast<quint64>(*options.seed));
     host.SetOutput([](const QString& line) { PrintTo(stdout, line); }, logLine);
     SystemLog.SetSink([&](const QString& level, const QString& line) {
         PrintTo(stderr, level + QStringLiteral(": ") + line);
@@ -124,12 +130,32 @@ QString UsageText()
         "  --junit DATEI        JUnit-Bericht des Laufs schreiben\n"
         "  --log DATEI          Protokoll des Laufs schreiben\n"
         "  --answer BEFEHL=TEXT Antwort eines Dialogbefehls ohne Oberfläche (mehrfach möglich)\n"
+        "  --max-array N        höchstens N Elemente je Array (Vorgabe 100000000)\n"
+        "  --max-string N       höchstens N Zeichen je Text (Vorgabe 1000000000)\n"
+        "  --seed N             Random liefert bei gleichem N dieselben Zahlen\n"
         "  --list               Befehlskatalog ausgeben (Prozedur und Signatur)\n"
+        "  --list --builtins    die eingebauten Prozeduren und Funktionen ausgeben\n"
         "  --convert            Skript mit älteren Befehlszeilen in die aktuelle Form umschreiben\n"
         "  --help               diese Hilfe\n"
         "Rückgabe: 0 bestanden, 1 Laufzeitfehler, fehlgeschlagene Prüfung oder Abbruch,\n"
         "          2 Aufruf- oder Syntaxfehler\n");
 }
+
+namespace {
+
+// A count option's value: a whole number from 0 to `largest`, also written as 1e8.
+std::optional<QString> ReadCount(const QString& option, const QString& text, qint64 largest, std::optional<qint64>& target)
+{
+    bool ok = false;
+    const double value = text.toDouble(&ok);
+    if (!ok || value < 0 || value > static_cast<double>(largest) || value != std::floor(value)) {
+        return Format(_("%s erwartet eine ganze Zahl von 0 bis %s, nicht \"%s\""), {option, QString::number(largest), text});
+    }
+    target = static_cast<qint64>(value);
+    return std::nullopt;
+}
+
+}  // namespace
 
 std::optional<QString> ParseOptions(const QStringList& args, TCliOptions& options)
 {
@@ -144,10 +170,19 @@ std::optional<QString> ParseOptions(const QStringList& args, TCliOptions& option
         QString text;
         if (a == "--help" || a == "-h") options.help = true;
         else if (a == "--list") options.list = true;
+        else if (a == "--builtins") options.builtins = true;
         else if (a == "--convert") options.convert = true;
         else if (a == "--project") error = value(options.project);
         else if (a == "--junit") error = value(options.junit);
         else if (a == "--log") error = value(options.log);
+        else if (a == "--max-array" || a == "--max-string") {
+            const bool array = a == "--max-array";
+            error = value(text);
+            if (!error) error = ReadCount(a, text, array ? INT_MAX - 1 : qint64{1} << 40, array ? options.maxArray : options.maxString);
+        } else if (a == "--seed") {
+            error = value(text);
+            if (!error) error = ReadCount(a, text, qint64{1} << 53, options.seed);
+        }
         else if (a == "--define" || a == "--answer") {
             error = value(text);
             if (!error && !text.contains('=')) error = Format(_("%s erwartet NAME=WERT, nicht \"%s\""), {a, text});
@@ -176,7 +211,7 @@ int RunDvrun(int& argc, char** argv)
         return 0;
     }
     if (options.list) {
-        std::fputs(CatalogueListing(false).toUtf8().constData(), stdout);
+        std::fputs((options.builtins ? BuiltinListing() : CatalogueListing(false)).toUtf8().constData(), stdout);
         return 0;
     }
     QString text;

@@ -14,7 +14,11 @@ struct TCliOptions {
     QString project;
     QString junit;
     QString log;
+    std::optional<qint64> maxArray;   // --max-array: elements of one array
+    std::optional<qint64> maxString;  // --max-string: characters of one text
+    std::optional<qint64> seed;       // --seed: Random repeats its numbers
     bool list = false;
+    bool builtins = false;            // --list --builtins: the host's own procedures and functions
     bool convert = false;
     bool help = false;
     QString script;

@@ -9,11 +9,6 @@
 
 namespace dv::host {
 
-void TExec::CheckStop() const
-{
-    if (runControl && runControl->StopRequested()) throw TRunStopped{};
-}
-
 long double TExpr::Num(TExec& ex) const
 {
     TVal v;
@@ -140,33 +135,68 @@ bool TUnary::Bool(TExec& ex) const
     return !operand_->Bool(ex);
 }
 
-void TBinary::Eval(TExec& ex, TVal& out) const
+namespace {
+
+bool IsLogic(TOp op) { return op == TOp::And || op == TOp::Or || op == TOp::Xor; }
+
+// a op b for the arithmetic operators and the joining of texts; out may be a.
+void Combine(const TExec& ex, TOp op, const TVal& a, const TVal& b, TVal& out)
 {
     using K = TValueKind;
-    if (op_ == TOp::And || op_ == TOp::Or || op_ == TOp::Xor || IsComparison(op_)) {
+    if (a.kind == K::Number && b.kind == K::Number) {
+        out = TVal::Number(Arithmetic(op, a.number, b.number));
+        return;
+    }
+    const bool scalars = a.kind != K::Array && b.kind != K::Array;
+    if (op == TOp::Add && scalars && (a.kind == K::String || b.kind == K::String)) {
+        if (&out == &a && a.kind == K::String) {  // a chain's running text grows in place
+            const QString right = ValText(b);
+            CheckStringLength(ex, out.text.size() + right.size());
+            out.text += right;
+            return;
+        }
+        QString left = ValText(a);
+        const QString right = ValText(b);
+        CheckStringLength(ex, left.size() + right.size());
+        left += right;
+        out = TVal::String(std::move(left));
+        return;
+    }
+    Incompatible(a, b);
+}
+
+// a op b for and / or / xor; b is evaluated only when it decides.
+bool Logic(TExec& ex, TOp op, bool a, const TExpr& b)
+{
+    if (op == TOp::And) return a && b.Bool(ex);
+    if (op == TOp::Or) return a || b.Bool(ex);
+    return a != b.Bool(ex);
+}
+
+}  // namespace
+
+void CheckStringLength(const TExec& ex, qsizetype length)
+{
+    if (length <= ex.limits.maxString) return;
+    throw TDVRuntimeException(Format(_("Der Text wäre mit %s Zeichen länger als erlaubt (--max-string %s)"),
+                                     {QString::number(length), QString::number(ex.limits.maxString)}));
+}
+
+void TBinary::Eval(TExec& ex, TVal& out) const
+{
+    if (IsLogic(op_) || IsComparison(op_)) {
         out = TVal::Boolean(Bool(ex));
         return;
     }
     TVal a, b;
     left_->Eval(ex, a);
     right_->Eval(ex, b);
-    if (a.kind == K::Number && b.kind == K::Number) {
-        out = TVal::Number(Arithmetic(op_, a.number, b.number));
-        return;
-    }
-    const bool scalars = a.kind != K::Array && b.kind != K::Array;
-    if (op_ == TOp::Add && scalars && (a.kind == K::String || b.kind == K::String)) {
-        out = TVal::String(ValText(a) + ValText(b));
-        return;
-    }
-    Incompatible(a, b);
+    Combine(ex, op_, a, b, out);
 }
 
 bool TBinary::Bool(TExec& ex) const
 {
-    if (op_ == TOp::And) return left_->Bool(ex) && right_->Bool(ex);
-    if (op_ == TOp::Or) return left_->Bool(ex) || right_->Bool(ex);
-    if (op_ == TOp::Xor) return left_->Bool(ex) != right_->Bool(ex);
+    if (IsLogic(op_)) return Logic(ex, op_, left_->Bool(ex), *right_);
     if (!IsComparison(op_)) return TExpr::Bool(ex);
     TVal a, b;
     left_->Eval(ex, a);
@@ -174,15 +204,20 @@ bool TBinary::Bool(TExec& ex) const
     return CompareValues(op_, a, b);
 }
 
-TValueKind TBinary::StaticKind() const
+namespace {
+
+// The kind of a op b from the kinds of its operands.
+TValueKind ResultKind(TOp op, TValueKind left, TValueKind right)
 {
-    if (op_ == TOp::And || op_ == TOp::Or || op_ == TOp::Xor || IsComparison(op_)) return TValueKind::Boolean;
-    if (op_ == TOp::Add) {
-        if (left_->StaticKind() == TValueKind::String || right_->StaticKind() == TValueKind::String) return TValueKind::String;
-        return TValueKind::Misc;
-    }
-    return TValueKind::Number;
+    using K = TValueKind;
+    if (IsLogic(op) || IsComparison(op)) return K::Boolean;
+    if (op != TOp::Add || (left == K::Number && right == K::Number)) return K::Number;
+    return left == K::String || right == K::String ? K::String : K::Misc;
 }
+
+}  // namespace
+
+TValueKind TBinary::StaticKind() const { return ResultKind(op_, left_->StaticKind(), right_->StaticKind()); }
 
 void TNumBinary::Eval(TExec& ex, TVal& out) const
 {
@@ -211,10 +246,70 @@ TValueKind TNumBinary::StaticKind() const { return IsComparison(op_) ? TValueKin
 TExprPtr MakeBinary(int line, int column, TOp op, TExprPtr left, TExprPtr right)
 {
     const bool numeric = left->StaticKind() == TValueKind::Number && right->StaticKind() == TValueKind::Number;
-    if (numeric && op != TOp::And && op != TOp::Or && op != TOp::Xor) {
+    if (numeric && !IsLogic(op)) {
         return std::make_unique<TNumBinary>(line, column, op, std::move(left), std::move(right));
     }
     return std::make_unique<TBinary>(line, column, op, std::move(left), std::move(right));
+}
+
+TChain::TChain(TExprPtr first, std::vector<TChainLink> links)
+    : TExpr(links.front().line, links.front().column),
+      first_(std::move(first)),
+      links_(std::move(links)),
+      kind_(first_->StaticKind()),
+      logic_(IsLogic(links_.front().op)),
+      numeric_(kind_ == TValueKind::Number && !logic_)
+{
+    for (const TChainLink& link : links_) {
+        const TValueKind operand = link.operand->StaticKind();
+        numeric_ = numeric_ && operand == TValueKind::Number;
+        kind_ = ResultKind(link.op, kind_, operand);
+    }
+}
+
+void TChain::Eval(TExec& ex, TVal& out) const
+{
+    if (logic_) {
+        out = TVal::Boolean(Bool(ex));
+        return;
+    }
+    if (numeric_) {
+        out = TVal::Number(Num(ex));
+        return;
+    }
+    first_->Eval(ex, out);
+    TVal operand;
+    for (const TChainLink& link : links_) {
+        link.operand->Eval(ex, operand);
+        Combine(ex, link.op, out, operand, out);
+    }
+}
+
+long double TChain::Num(TExec& ex) const
+{
+    if (!numeric_) return TExpr::Num(ex);
+    long double result = first_->Num(ex);
+    for (const TChainLink& link : links_) result = Arithmetic(link.op, result, link.operand->Num(ex));
+    return result;
+}
+
+bool TChain::Bool(TExec& ex) const
+{
+    if (!logic_) return TExpr::Bool(ex);
+    bool result = first_->Bool(ex);
+    for (const TChainLink& link : links_) result = Logic(ex, link.op, result, *link.operand);
+    return result;
+}
+
+TExprPtr MakeChain(TExprPtr first, std::vector<TChainLink> links)
+{
+    // Up to this many operators keep the nested nodes, whose depth is then harmless.
+    constexpr std::size_t kLongestNested = 32;
+    if (links.size() > kLongestNested) return std::make_unique<TChain>(std::move(first), std::move(links));
+    for (TChainLink& link : links) {
+        first = MakeBinary(link.line, link.column, link.op, std::move(first), std::move(link.operand));
+    }
+    return first;
 }
 
 }  // namespace dv::host

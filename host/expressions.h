@@ -67,6 +67,8 @@ enum class TOp { Add, Sub, Mul, Div, IntDiv, Mod, Eq, Ne, Lt, Gt, Le, Ge, And, O
 bool CompareValues(TOp op, const TVal& a, const TVal& b);
 // The array index of a number: it must be a whole number.
 int ArrayIndex(long double x);
+// Raises the runtime error for a text that would grow past the run's limit.
+void CheckStringLength(const TExec& ex, qsizetype length);
 // The quotient and remainder operators, which check for a zero divisor.
 long double Division(TOp op, long double a, long double b);
 inline long double Arithmetic(TOp op, long double a, long double b)
@@ -126,5 +128,34 @@ private:
 
 // The node for a binary operator: the numeric one when both operands are numbers.
 TExprPtr MakeBinary(int line, int column, TOp op, TExprPtr left, TExprPtr right);
+
+// One operator and its right operand in a run of operators of the same precedence.
+struct TChainLink {
+    int line;
+    int column;
+    TOp op;
+    TExprPtr operand;
+};
+
+// A long run of operators of one precedence (a + b - c + ...), evaluated left to right in a loop
+// rather than by one nested node (and one stack frame) per operator.
+class TChain final : public TExpr {
+public:
+    TChain(TExprPtr first, std::vector<TChainLink> links);
+    void Eval(TExec& ex, TVal& out) const override;
+    long double Num(TExec& ex) const override;
+    bool Bool(TExec& ex) const override;
+    TValueKind StaticKind() const override { return kind_; }
+
+private:
+    TExprPtr first_;
+    std::vector<TChainLink> links_;
+    TValueKind kind_;
+    bool logic_;    // and / or / xor: booleans that may stop early
+    bool numeric_;  // arithmetic on operands known to be numbers
+};
+
+// The node for first op1 x1 op2 x2 ...: nested binary nodes for a short run, a TChain for a long one.
+TExprPtr MakeChain(TExprPtr first, std::vector<TChainLink> links);
 
 }  // namespace dv::host

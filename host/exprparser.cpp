@@ -1,6 +1,7 @@
 // Expressions, arguments and calls of the script reader.
 #include "framework/dvtools.h"
 #include "framework/translate.h"
+#include "host/builtins.h"
 #include "host/commandpool.h"
 #include "host/scriptparser.h"
 
@@ -52,33 +53,38 @@ std::unique_ptr<TVarRef> TScriptParser::ResolveVariable(const TToken& name) cons
 // expr -> andexpr { (OR | XOR) andexpr }
 TExprPtr TScriptParser::ParseExpression()
 {
-    TExprPtr left = ParseAnd();
+    TExprPtr first = ParseAnd();
+    std::vector<TChainLink> links;
     while (OnSameLine() && (Peek().type == TTokenType::kwOr || Peek().type == TTokenType::kwXor)) {
         const TToken op = Next();
-        left = MakeBinary(op.line, op.column, op.type == TTokenType::kwOr ? TOp::Or : TOp::Xor, std::move(left), ParseAnd());
+        links.push_back({op.line, op.column, op.type == TTokenType::kwOr ? TOp::Or : TOp::Xor, ParseAnd()});
     }
-    return left;
+    return MakeChain(std::move(first), std::move(links));
 }
 
 // andexpr -> notexpr { AND notexpr }
 TExprPtr TScriptParser::ParseAnd()
 {
-    TExprPtr left = ParseNot();
+    TExprPtr first = ParseNot();
+    std::vector<TChainLink> links;
     while (OnSameLine() && Peek().type == TTokenType::kwAnd) {
         const TToken op = Next();
-        left = MakeBinary(op.line, op.column, TOp::And, std::move(left), ParseNot());
+        links.push_back({op.line, op.column, TOp::And, ParseNot()});
     }
-    return left;
+    return MakeChain(std::move(first), std::move(links));
 }
 
-// notexpr -> NOT notexpr | relation
+// notexpr -> NOT notexpr | relation. A run of NOTs is read in a loop; two of them still check
+// that the operand is a boolean.
 TExprPtr TScriptParser::ParseNot()
 {
-    if (Peek().type != TTokenType::kwNot) return ParseRelation();
-    const TToken op = Next();
-    return std::make_unique<TUnary>(op.line, op.column, TOp::Not, ParseNot());
+    std::vector<TToken> nots;
+    while (Peek().type == TTokenType::kwNot) nots.push_back(Next());
+    TExprPtr e = ParseRelation();
+    const std::size_t kept = nots.empty() ? 0 : 2 - nots.size() % 2;
+    for (std::size_t i = kept; i-- > 0;) e = std::make_unique<TUnary>(nots[i].line, nots[i].column, TOp::Not, std::move(e));
+    return e;
 }
-
 // relation -> sum [ ('=' | '<>' | '<' | '>' | '<=' | '>=') sum ]
 TExprPtr TScriptParser::ParseRelation()
 {
@@ -101,47 +107,55 @@ TExprPtr TScriptParser::ParseRelation()
 // sum -> term { ('+' | '-') term }
 TExprPtr TScriptParser::ParseSum()
 {
-    TExprPtr left = ParseTerm();
+    TExprPtr first = ParseTerm();
+    std::vector<TChainLink> links;
     while (OnSameLine() && (Peek().type == TTokenType::Plus || Peek().type == TTokenType::Minus)) {
         const TToken op = Next();
-        left = MakeBinary(op.line, op.column, op.type == TTokenType::Plus ? TOp::Add : TOp::Sub, std::move(left), ParseTerm());
+        links.push_back({op.line, op.column, op.type == TTokenType::Plus ? TOp::Add : TOp::Sub, ParseTerm()});
     }
-    return left;
+    return MakeChain(std::move(first), std::move(links));
 }
 
 // term -> unary { ('*' | '/' | DIV | MOD) unary }
 TExprPtr TScriptParser::ParseTerm()
 {
-    TExprPtr left = ParseUnary();
-    for (;;) {
-        if (!OnSameLine()) return left;
+    TExprPtr first = ParseUnary();
+    std::vector<TChainLink> links;
+    while (OnSameLine()) {
         TOp op;
         switch (Peek().type) {
         case TTokenType::Star: op = TOp::Mul; break;
         case TTokenType::Slash: op = TOp::Div; break;
         case TTokenType::kwDiv: op = TOp::IntDiv; break;
         case TTokenType::kwMod: op = TOp::Mod; break;
-        default: return left;
+        default: return MakeChain(std::move(first), std::move(links));
         }
         const TToken t = Next();
-        left = MakeBinary(t.line, t.column, op, std::move(left), ParseUnary());
+        links.push_back({t.line, t.column, op, ParseUnary()});
     }
+    return MakeChain(std::move(first), std::move(links));
 }
 
-// unary -> ('-' | '+') unary | primary
+// unary -> ('-' | '+') unary | primary. A run of signs is read in a loop: an odd number of '-'
+// negates once, an even number (two or more) twice, which still checks that the operand is a number.
 TExprPtr TScriptParser::ParseUnary()
 {
-    if (Peek().type == TTokenType::Plus) {
-        Next();
-        return ParseUnary();
+    std::vector<TToken> minus;
+    while (Peek().type == TTokenType::Plus || Peek().type == TTokenType::Minus) {
+        const TToken sign = Next();
+        if (sign.type == TTokenType::Minus) minus.push_back(sign);
     }
-    if (Peek().type != TTokenType::Minus) return ParsePrimary();
-    const TToken op = Next();
-    TExprPtr operand = ParseUnary();
-    if (auto* literal = dynamic_cast<TLiteral*>(operand.get()); literal && literal->Value().kind == TValueKind::Number) {
-        return std::make_unique<TLiteral>(op.line, op.column, TVal::Number(-literal->Value().number));
+    TExprPtr e = ParsePrimary();
+    const std::size_t kept = minus.empty() ? 0 : 2 - minus.size() % 2;
+    for (std::size_t i = kept; i-- > 0;) {
+        const TToken& op = minus[i];
+        if (auto* literal = dynamic_cast<TLiteral*>(e.get()); literal && literal->Value().kind == TValueKind::Number) {
+            e = std::make_unique<TLiteral>(op.line, op.column, TVal::Number(-literal->Value().number));
+        } else {
+            e = std::make_unique<TUnary>(op.line, op.column, TOp::Neg, std::move(e));
+        }
     }
-    return std::make_unique<TUnary>(op.line, op.column, TOp::Neg, std::move(operand));
+    return e;
 }
 
 // A closing bracket; when missing, the message names the line of the opening one.
@@ -190,6 +204,7 @@ TExprPtr TScriptParser::ParsePrimary()
         return std::make_unique<TArrayLiteral>(t.line, t.column, std::move(elements));
     }
     case TTokenType::LBracket: {
+        const TNesting nesting(*this, t);
         ++depth_;
         std::vector<TExprPtr> elements;
         if (Peek().type != TTokenType::RBracket) {
@@ -201,6 +216,7 @@ TExprPtr TScriptParser::ParsePrimary()
         return std::make_unique<TArrayLiteral>(t.line, t.column, std::move(elements));
     }
     case TTokenType::LParen: {
+        const TNesting nesting(*this, t);
         ++depth_;
         TExprPtr e = ParseExpression();
         --depth_;
@@ -210,13 +226,16 @@ TExprPtr TScriptParser::ParsePrimary()
     case TTokenType::Identifier: {
         std::unique_ptr<TVarRef> var = ResolveVariable(t);
         if (!var) {
-            if (program_.procedureIndex.contains(t.text.toLower()) || FindProcedure(t.text)) {
+            const TBuiltin* builtin = FindBuiltin(t.text);
+            if (program_.procedureIndex.contains(t.text.toLower()) || FindProcedure(t.text) ||
+                (builtin && !builtin->IsFunction())) {
                 Fail(t, Format(_("Die Prozedur %s liefert keinen Wert"), {t.text}));
             }
+            if (builtin) return ParseBuiltinCall(t, *builtin);
             Fail(t, Format(_("Der Bezeichner \"%s\" wurde nicht als Variable deklariert!"), {t.text}));
         }
         if (!OnSameLine() || Peek().type != TTokenType::LBracket) return var;
-        Next();
+        const TNesting nesting(*this, Next());
         ++depth_;
         TExprPtr index = ParseExpression();
         --depth_;
@@ -228,11 +247,23 @@ TExprPtr TScriptParser::ParsePrimary()
     Fail(t, _("Ausdruck erwartet"));
 }
 
+// builtincall -> name ['(' args ')']
+TExprPtr TScriptParser::ParseBuiltinCall(const TToken& name, const TBuiltin& builtin)
+{
+    std::vector<TRawArg> raw;
+    if (OnSameLine() && Peek().type == TTokenType::LParen) raw = ParseArguments();
+    std::vector<TBoundArg> bound = BindArguments(builtin.signature, std::move(raw), name, true);
+    std::vector<TExprPtr> args;
+    for (TBoundArg& arg : bound) args.push_back(std::move(arg.value));
+    return std::make_unique<TBuiltinCall>(name.line, name.column, builtin, std::move(args));
+}
+
 // args -> '(' [arg {',' arg}] ')';  arg -> [name ':='] [expr]
 std::vector<TScriptParser::TRawArg> TScriptParser::ParseArguments()
 {
     std::vector<TRawArg> args;
     const TToken open = Expect(TTokenType::LParen);
+    const TNesting nesting(*this, open);
     ++depth_;
     if (Peek().type != TTokenType::RParen) {
         do {
@@ -305,6 +336,8 @@ std::vector<TBoundArg> TScriptParser::BindArguments(const TDVSignature& sig, std
             }
         } else if (arg.plainName) {
             b.value = ResolveVariable(*arg.plainName);
+            const TBuiltin* builtin = b.value ? nullptr : FindBuiltin(arg.plainName->text);
+            if (builtin && builtin->IsFunction()) b.value = ParseBuiltinCall(*arg.plainName, *builtin);  // Random, Pi ...
             if (!b.value) {
                 Fail(*arg.plainName, Format(_("Der Bezeichner \"%s\" wurde nicht als Variable deklariert!"), {arg.plainName->text}));
             }
@@ -359,6 +392,10 @@ TStmtPtr TScriptParser::MakeCall(const TToken& name, std::vector<TRawArg> raw)
         return std::make_unique<TCommandCall>(name.line, *command, std::move(args), CommandDefaults(*command));
     }
     if (FindProcedure(name.text)) Fail(name, Format(_("Der Befehl %s ist in diesem Build nicht verfügbar"), {name.text}));
+    if (const TBuiltin* builtin = FindBuiltin(name.text)) {
+        if (builtin->IsFunction()) Fail(name, Format(_("Der Wert der Funktion %s wird nicht verwendet"), {name.text}));
+        return MakeBuiltinStatement(name.line, *builtin, BindArguments(builtin->signature, std::move(raw), name, true));
+    }
     Fail(name, Format(_("Unbekannte Prozedur %s"), {name.text}));
 }
 

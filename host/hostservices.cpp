@@ -9,6 +9,8 @@
 #include <QLineEdit>
 #include <QRegularExpression>
 
+#include <pthread.h>
+
 namespace dv::host {
 
 namespace {
@@ -16,13 +18,29 @@ namespace {
 // A node of the host's tree handed to a command; it evaluates in the frame running at the time.
 class THostNode final : public TDVAbsy {
 public:
-    THostNode(THost& host, TExprPtr expr) : host_(host), expr_(std::move(expr)) {}
-    TValuePtr Evaluate() const override { return host_.Evaluate(*expr_); }
+    THostNode(THost& host, TExprPtr expr, bool constant) : host_(host), expr_(std::move(expr)), constant_(constant) {}
+    TValuePtr Evaluate() const override { return host_.Evaluate(*expr_, constant_); }
 
 private:
     THost& host_;
     TExprPtr expr_;
+    bool constant_;  // names no variable
 };
+
+// The address below which no procedure call may start: a quarter of this thread's stack (at least
+// 1 MB) stays free for what the deepest call still runs (a command, the error report).
+const char* StackLimitOfThisThread()
+{
+    pthread_attr_t attr;
+    if (pthread_getattr_np(pthread_self(), &attr) != 0) return nullptr;
+    void* bottom = nullptr;
+    std::size_t size = 0;
+    const bool known = pthread_attr_getstack(&attr, &bottom, &size) == 0;
+    pthread_attr_destroy(&attr);
+    const std::size_t reserve = std::max<std::size_t>(size / 4, std::size_t{1} << 20);
+    if (!known || size <= reserve) return nullptr;
+    return static_cast<const char*>(bottom) + reserve;
+}
 
 }  // namespace
 
@@ -30,6 +48,7 @@ THost::THost() : commands_(this)
 {
     exec_.runControl = &runControl_;
     exec_.hooks = this;
+    exec_.random = &random_;
     SetHostServices({this, this, this});
 }
 
@@ -52,7 +71,11 @@ void THost::PrepareRun(QHash<int, TVal> defines)
     exec_.depth = 0;
 }
 
-void THost::RunMain() { program_.main.Exec(exec_); }
+void THost::RunMain()
+{
+    exec_.stackLimit = StackLimitOfThisThread();
+    program_.main.Exec(exec_);
+}
 
 void THost::Log(const QString& line)
 {
@@ -60,9 +83,13 @@ void THost::Log(const QString& line)
     if (log_) log_(line);
 }
 
-TValuePtr THost::Evaluate(const TExpr& expr)
+TValuePtr THost::Evaluate(const TExpr& expr, bool constant)
 {
-    TExec constants;  // before a run: only literals reach here
+    TExec constants;
+    if (!exec_.frame && !constant) {
+        // Before the run the variables do not exist yet.
+        throw TDVRuntimeException(_("Variablen haben erst während des Testlaufs einen Wert"));
+    }
     TExec& ex = exec_.frame ? exec_ : constants;
     TVal v;
     expr.Eval(ex, v);
@@ -72,14 +99,25 @@ TValuePtr THost::Evaluate(const TExpr& expr)
 TDVAbsyPtr THost::ParseExpression(const QString& text)
 {
     TScriptParser parser(program_, commands_);
-    const TScope* scope = exec_.frame ? &exec_.frame->Scope() : &program_.globals;
-    TExprPtr expr = parser.ParseExpressionText(text, scope);
+    TExprPtr expr;
+    bool constant = true;
+    if (exec_.frame) {
+        expr = parser.ParseExpressionText(text, &exec_.frame->Scope());
+    } else {
+        // Before the run: a text naming a global parses, but only a constant one can be evaluated.
+        try {
+            expr = parser.ParseExpressionText(text, nullptr);
+        } catch (const TDVSyntaxError&) {
+            expr = parser.ParseExpressionText(text, &program_.globals);
+            constant = false;
+        }
+    }
     if (auto* array = dynamic_cast<TArrayLiteral*>(expr.get())) {
         std::vector<TDVAbsyPtr> elements;
-        for (TExprPtr& e : array->Elements()) elements.push_back(std::make_unique<THostNode>(*this, std::move(e)));
+        for (TExprPtr& e : array->Elements()) elements.push_back(std::make_unique<THostNode>(*this, std::move(e), constant));
         return std::make_unique<TDVAbsyArray>(std::move(elements));
     }
-    return std::make_unique<THostNode>(*this, std::move(expr));
+    return std::make_unique<THostNode>(*this, std::move(expr), constant);
 }
 
 TDVAbsyPtr THost::ParseSingleExpression(const QString& text)
@@ -121,7 +159,9 @@ void THost::SetVariable(const QString& name, TValuePtr value)
     }
     TArrayValue& array = *var->value.array;
     const TDVType elementType{array.GetElementKind(), TValueKind::Misc};
-    array.SetVal(m.captured(2).toInt(), ToValue(Coerce(FromValue(*value), elementType)));
+    const long double index = m.captured(2).toDouble();
+    MakeRoomFor(exec_, var->GetName(), array, index);
+    array.SetVal(static_cast<int>(index), ToValue(Coerce(FromValue(*value), elementType)));
 }
 
 void THost::AttachVariableEditor(QObject* control)

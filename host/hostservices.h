@@ -41,6 +41,8 @@ public:
     // Where text output and Log lines go (stdout), and the log file's lines.
     void SetOutput(TLineSink stdoutSink, TLineSink logSink);
     void SetProjectFolder(const QString& folder) { projectFolder_ = folder; }
+    // Makes Random's numbers repeat from run to run (dvrun --seed).
+    void SetRandomSeed(quint64 seed) { random_.seed(seed); }
     const QString& ProjectFolder() const { return projectFolder_; }
 
     // Creates the program's variables (after parsing); defines: starting values by global slot.
@@ -78,8 +80,9 @@ public:
     void WriteLog(const QString& text) override;
     void RecordFailedCheck(int line, const QString& text) override;
 
-    // Evaluates a tree the host parser gave, in the running frame.
-    TValuePtr Evaluate(const TExpr& expr);
+    // Evaluates a tree the host parser gave, in the running frame; constant: it names no variable,
+    // so it can be evaluated before the run too.
+    TValuePtr Evaluate(const TExpr& expr, bool constant);
 
 private:
     TVariable* Lookup(const QString& name) const;
@@ -90,6 +93,7 @@ private:
     TExec exec_;
     QHash<int, TVal> defines_;
     TRunControl runControl_;
+    std::mt19937_64 random_{std::random_device{}()};
     QString projectFolder_;
     std::mutex outputMutex_;
     TLineSink stdout_;

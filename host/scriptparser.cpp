@@ -26,6 +26,12 @@ TScriptParser::TScriptParser(TProgram& program, TCommandPool& commands)
 {
 }
 
+TScriptParser::TNesting::TNesting(TScriptParser& parser, const TToken& at) : parser_(parser)
+{
+    if (parser_.nesting_ >= kMaxNesting) parser_.Fail(at, _("zu tief verschachtelt"));
+    ++parser_.nesting_;
+}
+
 const TToken& TScriptParser::Peek() { return pending_ ? *pending_ : scanner_.LookAhead(); }
 
 TToken TScriptParser::Next()
@@ -155,6 +161,7 @@ void TScriptParser::ParseProgram(const QString& text)
 // block -> { statement }, up to END, ELSE, UNTIL, SELECT or the end of the text
 void TScriptParser::ParseBlock(TBlock& block)
 {
+    const TNesting nesting(*this, last_);
     ++blockDepth_;
     for (;;) {
         int line = last_.line;

@@ -12,9 +12,13 @@
 namespace dv::host {
 
 class TCommandPool;
+struct TBuiltin;
 
 class TScriptParser {
 public:
+    // The deepest nesting of brackets and blocks a script may use.
+    static constexpr int kMaxNesting = 200;
+
     TScriptParser(TProgram& program, TCommandPool& commands);
 
     // Parses a whole script; program.errors holds what was wrong.
@@ -29,6 +33,19 @@ private:
         TToken at;            // where the argument starts
         TExprPtr value;       // nullptr for a plain name or a left-out named argument
         std::optional<TToken> plainName;  // the argument is a bare name (may be undeclared)
+    };
+
+    // One more level of brackets or blocks for as long as it lives; past kMaxNesting levels a syntax
+    // error, before the reader's (or later the run's) recursion could overflow the stack.
+    class TNesting {
+    public:
+        TNesting(TScriptParser& parser, const TToken& at);
+        ~TNesting() { --parser_.nesting_; }
+        TNesting(const TNesting&) = delete;
+        TNesting& operator=(const TNesting&) = delete;
+
+    private:
+        TScriptParser& parser_;
     };
 
     // Tokens, with one pushed-back identifier as a second look-ahead.
@@ -75,6 +92,7 @@ private:
     std::vector<TBoundArg> BindArguments(const TDVSignature& sig, std::vector<TRawArg> raw, const TToken& call,
                                          bool requireAll);
     TStmtPtr MakeCall(const TToken& name, std::vector<TRawArg> raw);
+    TExprPtr ParseBuiltinCall(const TToken& name, const TBuiltin& builtin);
     std::vector<TCommandDefault> CommandDefaults(const TDVThreadRunEdit& command);
 
     TProgram& program_;
@@ -86,6 +104,7 @@ private:
     TProcedure* procedure_ = nullptr;  // the procedure being read, nullptr at the top level
     int depth_ = 0;  // open brackets: line ends inside them do not end a statement
     int blockDepth_ = 0;
+    int nesting_ = 0;  // open brackets and blocks, see TNesting
     bool endOfTextReported_ = false;
 };
 

@@ -1,13 +1,41 @@
 #include "host/statements.h"
 
+#include "framework/dvtools.h"
 #include "framework/exceptions.h"
 #include "framework/translate.h"
+
+#include <cmath>
 
 namespace dv::host {
 
 namespace {
 constexpr int kMaxCallDepth = 1000;
+// Arrays grow by at most this many elements between two looks at the stop request.
+constexpr int kGrowthStep = 1 << 20;
+// More rounds than a double counts exactly; no test would end anyway.
+constexpr long double kMaxRounds = 9007199254740992.0L;  // 2^53
+
+// The number of rounds of a for loop from `from` up to `to` in steps of 1 (down: from down to `to`).
+// Where steps of 1 are exact, the count follows the values the counter takes (from + k), so that a
+// rounded span (3.1 - 0.1) cannot add or drop a round.
+long double ForRounds(long double from, long double to, bool down)
+{
+    if (!std::isfinite(from) || !std::isfinite(to)) {
+        throw TDVRuntimeException(Format(_("Die Grenzen der for-Schleife sind keine endlichen Zahlen: %s, %s"),
+                                         {DVFloatToStr(from), DVFloatToStr(to)}));
+    }
+    const long double span = down ? from - to : to - from;
+    if (span < 0) return 0;
+    if (span >= kMaxRounds) throw TDVRuntimeException(_("Die for-Schleife hätte mehr als 2^53 Durchläufe"));
+    long double rounds = std::floor(span) + 1;
+    if (std::fabs(from) < kMaxRounds && std::fabs(to) < kMaxRounds) {
+        auto inside = [&](long double k) { return down ? from - k >= to : from + k <= to; };
+        if (inside(rounds)) ++rounds;
+        else if (!inside(rounds - 1)) --rounds;
+    }
+    return rounds;
 }
+}  // namespace
 
 void Undeclared(const QString& name)
 {
@@ -71,8 +99,37 @@ void TIndexAssign::Exec(TExec& ex) const
     const int index = ArrayIndex(index_->Num(ex));
     TVal v;
     value_->Eval(ex, v);
-    const TValueKind elementKind = var.value.array->GetElementKind();
-    var.value.array->SetVal(index, ToValue(Coerce(std::move(v), {elementKind, TValueKind::Misc})));
+    TArrayValue& array = *var.value.array;
+    const TValueKind elementKind = array.GetElementKind();
+    TValuePtr element = ToValue(Coerce(std::move(v), {elementKind, TValueKind::Misc}));
+    MakeRoomFor(ex, var.GetName(), array, index);
+    array.SetVal(index, std::move(element));
+}
+
+void CheckArrayLength(const TExec& ex, const QString& name, long double length)
+{
+    if (length <= ex.limits.maxArray) return;
+    throw TDVRuntimeException(Format(_("Das Array %s wäre mit %s Elementen größer als erlaubt (--max-array %s)"),
+                                     {name, DVFloatToStr(length), QString::number(ex.limits.maxArray)}));
+}
+
+void GrowArray(const TExec& ex, const QString& name, TArrayValue& array, long double length)
+{
+    if (length <= array.GetSize()) return;
+    CheckArrayLength(ex, name, length);
+    const TDVType elementType{array.GetElementKind(), TValueKind::Misc};
+    const int end = static_cast<int>(length);
+    while (array.GetSize() < end) {
+        array.SetVal(std::min(end, array.GetSize() + kGrowthStep), DefaultValue(elementType));
+        ex.CheckStop();
+    }
+}
+
+void MakeRoomFor(const TExec& ex, const QString& name, TArrayValue& array, long double index)
+{
+    if (index <= array.GetSize()) return;
+    CheckArrayLength(ex, name, index);
+    GrowArray(ex, name, array, index - 1);
 }
 
 void TIf::Exec(TExec& ex) const
@@ -90,13 +147,15 @@ void TFor::Exec(TExec& ex) const
     ex.line = Line();
     const long double from = from_->Num(ex);
     const long double to = to_->Num(ex);
+    const auto rounds = static_cast<std::int64_t>(ForRounds(from, to, down_));
     TVariable& var = var_->Var(ex);
-    const long double step = down_ ? -1 : 1;
-    for (long double i = from; down_ ? i >= to : i <= to; i += step) {
+    // A body with statements looks at the stop request before each of them; an empty one here.
+    const bool emptyBody = body_.statements.empty();
+    for (std::int64_t k = 0; k < rounds; ++k) {
         var.value.kind = TValueKind::Number;
-        var.value.number = i;
+        var.value.number = down_ ? from - static_cast<long double>(k) : from + static_cast<long double>(k);
         body_.Exec(ex);
-        ex.CheckStop();
+        if (emptyBody) ex.CheckStop();
     }
 }
 
@@ -145,7 +204,9 @@ void TCase::Exec(TExec& ex) const
 void TProcCall::Exec(TExec& ex) const
 {
     ex.line = Line();
-    if (ex.depth >= kMaxCallDepth) {
+    ex.CheckStop();
+    const char* here = static_cast<const char*>(__builtin_frame_address(0));
+    if (ex.depth >= kMaxCallDepth || here < ex.stackLimit) {
         throw TDVRuntimeException(Format(_("Zu tiefe Rekursion beim Aufruf von %s"), {procedure_.signature.name}));
     }
     TFrame frame(procedure_.scope);

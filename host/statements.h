@@ -161,6 +161,15 @@ private:
     TExprPtr text_;
 };
 
+// Raises the runtime error for an array that would grow past the run's limit.
+void CheckArrayLength(const TExec& ex, const QString& name, long double length);
+// Fills an array variable's array up to `length` elements with default elements, looking at the stop
+// request while it grows; raises past the run's limit before anything is allocated.
+void GrowArray(const TExec& ex, const QString& name, TArrayValue& array, long double length);
+// Before element `index` of an array variable is written: raises past the run's limit before
+// anything is allocated, and fills the gap up to it, looking at the stop request while it grows.
+void MakeRoomFor(const TExec& ex, const QString& name, TArrayValue& array, long double index);
+
 // Raises the script error for a name that no declaration introduced.
 [[noreturn]] void Undeclared(const QString& name);
 

@@ -1,4 +1,6 @@
 // The dvrun binary as a child process: exit codes, options, reports and --convert.
+#include "host/scriptparser.h"
+
 #include <gtest/gtest.h>
 
 #include <QDir>
@@ -6,12 +8,15 @@
 #include <QProcess>
 #include <QTemporaryDir>
 
+#include <csignal>
+
 namespace {
 
 struct TRun {
     int exitCode;
     QString out;
     QString err;
+    bool crashed = false;  // ended by a signal
 };
 
 class Dvrun : public testing::Test {
@@ -24,9 +29,8 @@ protected:
         f.write(text.toUtf8());
         return path;
     }
-    TRun Run(const QStringList& args)
+    void Start(QProcess& p, const QStringList& args)
     {
-        QProcess p;
         p.setProgram(DV_BINARY_DIR "/host/dvrun");
         p.setArguments(args);
         QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
@@ -34,8 +38,28 @@ protected:
         env.remove("WAYLAND_DISPLAY");
         p.setProcessEnvironment(env);
         p.start();
-        p.waitForFinished(30000);
-        return {p.exitCode(), QString::fromUtf8(p.readAllStandardOutput()), QString::fromUtf8(p.readAllStandardError())};
+    }
+    TRun Finished(QProcess& p)
+    {
+        p.waitForFinished(60000);
+        return {p.exitCode(), QString::fromUtf8(p.readAllStandardOutput()), QString::fromUtf8(p.readAllStandardError()),
+                p.exitStatus() == QProcess::CrashExit};
+    }
+    TRun Run(const QStringList& args)
+    {
+        QProcess p;
+        Start(p, args);
+        return Finished(p);
+    }
+    // Runs a script that prints a line when it has started, then presses Ctrl-C once.
+    TRun Interrupt(const QString& script)
+    {
+        QProcess p;
+        Start(p, {script});
+        if (!p.waitForStarted(10000)) return {-1, {}, {}, false};
+        while (p.state() == QProcess::Running && !p.canReadLine()) p.waitForReadyRead(10000);
+        ::kill(static_cast<pid_t>(p.processId()), SIGINT);
+        return Finished(p);
     }
     QTemporaryDir dir;
 };
@@ -162,6 +186,142 @@ TEST_F(Dvrun, ConvertWarnsOfLinesItKeeps)
     EXPECT_TRUE(converted.out.startsWith("var A : Array of Number\nHexToInt(IN:FF,OUT:A[1]):0; // nicht umgesetzt: "))
         << converted.out.toStdString();
     EXPECT_TRUE(converted.err.startsWith("dvrun: Zeile 2: nicht umgesetzt: ")) << converted.err.toStdString();
+}
+
+// Scripts built to break the interpreter end with their message, file and line, the exit code and a
+// written report; never with a signal.
+TEST_F(Dvrun, HostileScriptsEndWithAMessageAndAReport)
+{
+    const QString open = "if True then\n", close = "end if\n";
+    const QString recursion = "procedure P();\n" + open.repeated(150) + "P\n" + close.repeated(150) + "end procedure\nP\n";
+    const int limit = dv::host::TScriptParser::kMaxNesting;
+    const struct {
+        const char* name;
+        QString text;
+        QStringList options;
+        int exitCode;
+        int line;
+        const char* message;
+    } cases[] = {
+        {"klammern", "Log(" + QString("(").repeated(8000) + "1" + QString(")").repeated(8000) + ")", {}, 2, 1, "zu tief verschachtelt"},
+        {"arrays", "var A : Misc = " + QString("[").repeated(10000) + QString("]").repeated(10000), {}, 2, 1, "zu tief verschachtelt"},
+        {"ifs", open.repeated(10000) + close.repeated(10000), {}, 2, limit, "zu tief verschachtelt"},
+        {"unendlich", "var I : Number\nvar X : Number = -1e4000 * 1e4000\nfor I := X to 1 do\nend for", {}, 1, 3, "keine endlichen Zahlen"},
+        {"runden", "var I : Number\nfor I := 0 to 1e17 do\nend for", {}, 1, 2, "mehr als 2^53 Durchläufe"},
+        {"index", "var A : Array of Number\nA[2000000000] := 1", {}, 1, 2, "--max-array 100000000"},
+        {"fuellen", "var A : Array of Number\nvar I : Number\nwhile True do\n  I := I + 1\n  A[I] := I\nend while",
+         {"--max-array", "1000"}, 1, 5, "mit 1001 Elementen"},
+        {"setlength", "var A : Array of Misc\nSetLength(A, 1e9)", {}, 1, 2, "--max-array"},
+        {"verdoppeln", "var S : String = \"x\"\nvar I : Number\nfor I := 1 to 64 do\n  S := S + S\nend for",
+         {"--max-string", "1e6"}, 1, 4, "mit 1048576 Zeichen"},
+        {"rekursion", "procedure P();\n  P\nend procedure\nP", {}, 1, 2, "Zu tiefe Rekursion beim Aufruf von P"},
+        {"tiefe_rekursion", recursion, {}, 1, 152, "Zu tiefe Rekursion beim Aufruf von P"},
+    };
+    for (const auto& c : cases) {
+        const QString script = Script(QString(c.name) + ".dvs", c.text), junit = dir.filePath(QString(c.name) + ".xml");
+        const TRun r = Run(c.options + QStringList{"--junit", junit, script});
+        EXPECT_FALSE(r.crashed) << c.name;
+        EXPECT_EQ(r.exitCode, c.exitCode) << c.name;
+        const QString where = QStringLiteral("%1:%2:").arg(script).arg(c.line);
+        EXPECT_TRUE(r.err.startsWith(where) && r.err.section('\n', 0, 0).contains(c.message)) << c.name << ": " << r.err.left(300).toStdString();
+        QFile report(junit);
+        ASSERT_TRUE(report.open(QIODevice::ReadOnly)) << c.name;
+        EXPECT_TRUE(QString::fromUtf8(report.readAll()).contains(c.message)) << c.name;
+    }
+}
+
+TEST_F(Dvrun, DeepButValidScriptsRun)
+{
+    const struct {
+        QString text;
+        QString out;
+    } cases[] = {
+        {"Log(" + QString("-").repeated(50001) + "1)", "-1\n"},
+        {"var X : Number = 2\nLog(" + QString("-").repeated(50000) + "X)", "2\n"},
+        {"Log(not " + QString("not ").repeated(49999) + "False)", "False\n"},
+        {"Log(1" + QString(" + 1").repeated(199999) + ")", "200000\n"},
+        {"var S : String\nS := \"\"" + QString(" + \"ab\"").repeated(20000) + "\nLog(Length(S))", "40000\n"},
+        {"Log(" + QString("(").repeated(dv::host::TScriptParser::kMaxNesting - 2) + "7" +
+             QString(")").repeated(dv::host::TScriptParser::kMaxNesting - 2) + ")", "7\n"},
+    };
+    for (const auto& c : cases) {
+        const TRun r = Run({Script("tief.dvs", c.text)});
+        EXPECT_EQ(r.exitCode, 0) << c.text.left(40).toStdString() << r.err.left(300).toStdString();
+        EXPECT_EQ(r.out, c.out) << c.text.left(40).toStdString();
+    }
+}
+
+// The first Ctrl-C ends loops, recursions without loops and waits at the next statement, with the
+// line and a verdict.
+TEST_F(Dvrun, CtrlCStopsEveryKindOfWork)
+{
+    const struct {
+        const char* text;
+        int line;
+    } cases[] = {
+        {"Log(\"los\")\nwhile True do\nend while", 2},
+        {"procedure Zwei(N : Number);\n  if N > 0 then\n    Zwei(N - 1)\n    Zwei(N - 1)\n  end if\nend procedure\n"
+         "Log(\"los\")\nZwei(60)", 0},
+        {"Log(\"los\")\nSleep(600000)", 2},
+    };
+    for (const auto& c : cases) {
+        const QString script = Script("stopp.dvs", c.text);
+        const TRun r = Interrupt(script);
+        EXPECT_FALSE(r.crashed) << c.text;
+        EXPECT_EQ(r.exitCode, 1) << c.text;
+        EXPECT_TRUE(r.err.contains("Test abgebrochen")) << c.text << r.err.toStdString();
+        if (c.line > 0) {
+            EXPECT_TRUE(r.err.startsWith(QStringLiteral("%1:%2:").arg(script).arg(c.line))) << r.err.toStdString();
+        }
+    }
+}
+
+TEST_F(Dvrun, BuiltinDomainErrorsNameTheFunction)
+{
+    const struct {
+        const char* call;
+        const char* message;
+    } cases[] = {
+        {"Sqrt(-1)", "Sqrt(-1) ist nicht definiert"},
+        {"Ln(0)", "Ln(0) ist nicht definiert"},
+        {"Log10(-2)", "Log10(-2) ist nicht definiert"},
+        {"Power(0, -1)", "Power(0; -1) ist nicht definiert"},
+        {"Power(-8, 1 / 3)", "Power(-8; 0.333333333333333) ist nicht definiert"},
+        {"Exp(1e6)", "Exp(1000000) ist zu groß"},
+        {"Chr(256)", "Chr(256) ist nicht definiert"},
+        {"Copy(\"abc\", 1.5, 1)", "Copy: 1.5 ist keine ganze Zahl"},
+        {"Random(-1)", "Random(-1) ist nicht definiert"},
+        {"Ord(\"\")", "Ord erwartet ein Zeichen"},
+        {"Length(1)", "Length erwartet einen Text oder ein Array"},
+        {"Sqrt(\"x\")", "\"x\" ist kein gültiger Gleitkommawert"},
+    };
+    for (const auto& c : cases) {
+        const QString script = Script("bereich.dvs", QStringLiteral("Log(\"vorher\")\nLog(%1)\n").arg(c.call));
+        const TRun r = Run({script});
+        EXPECT_EQ(r.exitCode, 1) << c.call;
+        EXPECT_EQ(r.out, "vorher\n") << c.call;
+        EXPECT_TRUE(r.err.startsWith(script + ":2: ") && r.err.contains(c.message)) << c.call << ": " << r.err.toStdString();
+    }
+}
+
+TEST_F(Dvrun, RandomRepeatsWithItsSeedAndBuiltinsAreListed)
+{
+    const QString script = Script("zufall.dvs", "Log(Random)\nLog(Random(1000000))\nLog(Random)\n");
+    const TRun first = Run({"--seed", "42", script}), again = Run({"--seed", "42", script}), other = Run({"--seed", "43", script});
+    EXPECT_EQ(first.exitCode, 0);
+    EXPECT_EQ(first.out.count('\n'), 3);
+    EXPECT_EQ(first.out, again.out);
+    EXPECT_NE(first.out, other.out);
+    EXPECT_EQ(Run({"--seed", "-1", script}).exitCode, 2);
+    EXPECT_EQ(Run({"--max-array", "viele", script}).exitCode, 2);
+
+    const TRun list = Run({"--list", "--builtins"});
+    EXPECT_EQ(list.exitCode, 0);
+    for (const char* line : {"Copy\tfunction Copy(S : String; Index : Number; Count : Number) : String;\n",
+                             "SetLength\tprocedure SetLength(var A : Array of Misc; N : Number);\n", "Pi\tfunction Pi : Number;\n",
+                             "Log\tprocedure Log(Text : Misc);\n"}) {
+        EXPECT_TRUE(list.out.contains(line)) << line;
+    }
 }
 
 }  // namespace

@@ -43,6 +43,27 @@ TEST_F(HostServices, MalformedExpressionsGiveNoneOrTheSyntaxError)
     EXPECT_NE(host.ParseSingleExpression("(2 > 1) and True"), nullptr);
 }
 
+TEST_F(HostServices, BeforeTheRunOnlyConstantsEvaluate)
+{
+    TScriptRun run("test.dvs", host);
+    ASSERT_TRUE(run.Load("var X : Number = 5"));
+    TDVAbsyPtr variable = host.ParseExpression("X + 1");
+    EXPECT_THROW(variable->Evaluate(), TDVRuntimeException);
+    EXPECT_EQ(host.ParseExpression("2 * 3")->Evaluate()->AsText(), "6");
+    run.Run();
+    EXPECT_EQ(variable->Evaluate()->AsText(), "6");  // the same tree, once the variable exists
+}
+
+TEST_F(HostServices, SetVariableStopsAtTheArrayLimit)
+{
+    host.Exec().limits.maxArray = 10;
+    Load("var A : Array of Number");
+    host.SetVariable("A{10}", std::make_unique<TNumberValue>(1.0L));
+    EXPECT_THROW(host.SetVariable("A{11}", std::make_unique<TNumberValue>(1.0L)), TDVRuntimeException);
+    EXPECT_THROW(host.SetVariable("A{99999999999}", std::make_unique<TNumberValue>(1.0L)), TDVRuntimeException);
+    EXPECT_EQ(host.ResolveText("A"), "{0}{0}{0}{0}{0}{0}{0}{0}{0}{1}");
+}
+
 TEST_F(HostServices, SetVariableWritesAnArrayElementGrowingTheArray)
 {
     Load("var A : Array of Number = [1]");
