@@ -9,6 +9,9 @@
 #include <QLineEdit>
 #include <QRegularExpression>
 
+#include <cstdio>
+#include <unistd.h>
+
 namespace dv::host {
 
 namespace {
@@ -24,6 +27,13 @@ private:
     TExprPtr expr_;
 };
 
+// On a terminal the status text also stands in a live line on stderr until the next output.
+bool StatusLineWanted()
+{
+    static const bool terminal = ::isatty(STDERR_FILENO) != 0;
+    return terminal;
+}
+
 }  // namespace
 
 THost::THost() : commands_(this)
@@ -33,7 +43,19 @@ THost::THost() : commands_(this)
     SetHostServices({this, this, this});
 }
 
-THost::~THost() { SetHostServices({}); }
+THost::~THost()
+{
+    ClearStatusLine();
+    SetHostServices({});
+}
+
+void THost::ClearStatusLine()
+{
+    if (!statusLineShown_) return;
+    std::fputs("\r\033[K", stderr);
+    std::fflush(stderr);
+    statusLineShown_ = false;
+}
 
 void THost::SetOutput(TLineSink stdoutSink, TLineSink logSink)
 {
@@ -147,6 +169,7 @@ QString THost::ResolveText(const QString& text)
 void THost::WriteOutput(const QString& text, const QString& fontName, int size, int style, int color)
 {
     std::lock_guard lock(outputMutex_);
+    ClearStatusLine();
     if (stdout_) stdout_(text);
     if (log_) {
         log_(QStringLiteral("AUSGABE %1 [Schrift=%2; Größe=%3; Stil=%4; Farbe=%5]")
@@ -158,6 +181,11 @@ void THost::SetStatusText(const QString& text)
 {
     statusText_ = text;
     Log(QStringLiteral("STATUS ") + text);
+    if (!StatusLineWanted()) return;
+    std::lock_guard lock(outputMutex_);
+    std::fputs((QStringLiteral("\r\033[K") + text).toUtf8().constData(), stderr);
+    std::fflush(stderr);
+    statusLineShown_ = true;
 }
 
 void THost::StopTest()
@@ -176,6 +204,7 @@ void THost::SetLaborVisible(bool show)
 void THost::WriteLog(const QString& text)
 {
     std::lock_guard lock(outputMutex_);
+    ClearStatusLine();
     if (stdout_) stdout_(text);
     if (log_) log_(QStringLiteral("LOG ") + text);
 }

@@ -83,6 +83,8 @@ public:
 
 private:
     TVariable* Lookup(const QString& name) const;
+    // Removes the live status line from the terminal; callers hold outputMutex_.
+    void ClearStatusLine();
 
     TProgram program_;
     TCommandPool commands_;
@@ -98,6 +100,7 @@ private:
     bool stoppedByCommand_ = false;
     bool laborVisible_ = false;
     QString statusText_;
+    bool statusLineShown_ = false;
 };
 
 }  // namespace dv::host
