@@ -8,6 +8,7 @@ packages=(
   libx11-dev fonts-dejavu-core
   libgtest-dev libgmock-dev libbenchmark-dev
   python3-numpy python3-scipy
+  qt6-httpserver-dev qt6-websockets-dev qt6-webengine-dev
 )
 missing=()
 for p in "${packages[@]}"; do
