@@ -42,6 +42,8 @@ constexpr std::array<TResultText, 7> kResultTexts{{
 constexpr int kCancel = 2;
 constexpr int kAbort = 3;
 
+QString Quoted(const QString& text) { return '"' + text + '"'; }
+
 const QString kPosition = QStringLiteral("Position");
 const QString kText = QStringLiteral("Text");
 const QString kType = QStringLiteral("Type");
@@ -133,11 +135,12 @@ void TDVCmdMeldungsBox::SetParams(const TParamList& params)
     fields_.type = ReadMessageType(params.GetString(kType), fields_.type);
 }
 
+// The list holds script text: the keywords go in as string literals, so that the written line runs.
 void TDVCmdMeldungsBox::ReadParams(TParamList& params)
 {
     params.AddString(kText, fields_.text);
-    params.AddString(kType, QLatin1String(kTypes.at(static_cast<std::size_t>(fields_.type)).keyword));
-    params.AddString(kButtonsParam, MessageButtonsText(fields_.buttons));
+    params.AddString(kType, Quoted(QLatin1String(kTypes.at(static_cast<std::size_t>(fields_.type)).keyword)));
+    params.AddString(kButtonsParam, Quoted(MessageButtonsText(fields_.buttons)));
     params.AddString(kPosition, fields_.standardPosition ? QStringLiteral("True") : QStringLiteral("False"));
     params.AddString(kXPos, QString::number(fields_.x));
     params.AddString(kYPos, QString::number(fields_.y));

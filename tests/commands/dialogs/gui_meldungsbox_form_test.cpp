@@ -39,7 +39,7 @@ TEST(MeldungsBoxFormTest, EveryButtonGivesItsResultTextAndCancelOrAbortStops)
             icon = static_cast<QMessageBox&>(box).icon();
             Find<QAbstractButton>(box, r.button).click();
         });
-        TParamList params = MakeParams({{"Text", "Weiter?"}, {"Type", "mtWarning"},
+        TParamList params = MakeParams({{"Text", "Weiter?"}, {"Type", "\"mtWarning\""},
                                         {"Buttons", "mbYes + mbNo + mbOK + mbCancel + mbAbort + mbRetry + mbIgnore"}});
         command.Run(params);
         EXPECT_EQ(host.ValueText("ButtonResult"), r.expected) << r.button;
@@ -64,7 +64,7 @@ TEST(MeldungsBoxFormTest, ExactlyTheChosenButtonsTheTypesIconAndThePlace)
         at = box.pos();
         Find<QAbstractButton>(box, "mbNo").click();
     });
-    TParamList params = MakeParams({{"Position", "False"}, {"Text", "Fehler?"}, {"Type", "mtError"},
+    TParamList params = MakeParams({{"Position", "False"}, {"Text", "Fehler?"}, {"Type", "\"mtError\""},
                                     {"Buttons", "mbYes + mbNo"}, {"XPos", "10"}, {"YPos", "20"}});
     command.Run(params);
     offered.sort();
@@ -80,7 +80,7 @@ TEST(MeldungsBoxFormTest, DialogEnablesThePositionOnlyWithoutStandardAndWritesIt
     TTestHost host;
     TDVCmdMeldungsBox command(&host);
     for (const char* button : {"BT_Cancel", "BT_OK"}) {
-        TParamList params = MakeParams({{"Text", "Hallo"}, {"Type", "mtInformation"}, {"Buttons", "mbOK + mbAbort"}});
+        TParamList params = MakeParams({{"Text", "Hallo"}, {"Type", "\"mtInformation\""}, {"Buttons", "mbOK + mbAbort"}});
         const TParamList before = params;
         bool enabledWithStandard = true;
         bool enabledWithout = false;
@@ -110,7 +110,7 @@ TEST(MeldungsBoxFormTest, DialogEnablesThePositionOnlyWithoutStandardAndWritesIt
         EXPECT_EQ(tested, 1) << "the Test button shows the message";
         EXPECT_TRUE(host.setVariableCalls.isEmpty()) << "testing writes no ButtonResult";
         if (QString(button) == "BT_OK") {
-            EXPECT_EQ(params, MakeParams({{"Text", "Fertig?"}, {"Type", "mtConfirmation"}, {"Buttons", "mbYes + mbIgnore"},
+            EXPECT_EQ(params, MakeParams({{"Text", "Fertig?"}, {"Type", "\"mtConfirmation\""}, {"Buttons", "\"mbYes + mbIgnore\""},
                                           {"Position", "False"}, {"XPos", "25"}, {"YPos", "75"}}));
         } else {
             EXPECT_EQ(params, before);

@@ -59,7 +59,7 @@ TEST(MeldungsBoxTest, ReadParamsWritesInOrderJoinsButtonsAndNeverWritesAbort)
                                                           {"Buttons", "mbIgnore + mbAbort + mbYes"},
                                                           {"XPos", "10"}, {"YPos", "x"}}));
     EXPECT_EQ(read.Names(), (QStringList{"Text", "Type", "Buttons", "Position", "XPos", "YPos"}));
-    EXPECT_EQ(read, MakeParams({{"Text", "\"Weiter?\""}, {"Type", "mtError"}, {"Buttons", "mbYes + mbIgnore"},
+    EXPECT_EQ(read, MakeParams({{"Text", "\"Weiter?\""}, {"Type", "\"mtError\""}, {"Buttons", "\"mbYes + mbIgnore\""},
                                 {"Position", "False"}, {"XPos", "10"}, {"YPos", "0"}}));
 }
 
@@ -70,7 +70,7 @@ TEST(MeldungsBoxTest, DefaultsAndAnEmptyPositionMeanTheStandardPlace)
     command.SetDefaults();
     TParamList defaults;
     command.ReadParams(defaults);
-    EXPECT_EQ(defaults, MakeParams({{"Text", "\"Hallo Benutzer!\""}, {"Type", "mtConfirmation"}, {"Buttons", "mbOK"},
+    EXPECT_EQ(defaults, MakeParams({{"Text", "\"Hallo Benutzer!\""}, {"Type", "\"mtConfirmation\""}, {"Buttons", "\"mbOK\""},
                                     {"Position", "True"}, {"XPos", "0"}, {"YPos", "0"}}));
     command.SetParams(MakeParams({{"Position", ""}}));
     EXPECT_TRUE(command.Fields().standardPosition);
@@ -94,10 +94,10 @@ TEST(MeldungsBoxTest, OlderLineWithBracketedButtonsAndPosition)
     };
     const Row rows[] = {
         {"MeldungsBox(\"Achtung, heiß\",mtError,[mbYes][mbNo][mbAbort],@x:10,@y:20);",
-         {{"Text", "\"Achtung"}, {"Type", "mtError"}, {"Buttons", "mbYes + mbNo"}, {"Position", "False"},
+         {{"Text", "\"Achtung"}, {"Type", "\"mtError\""}, {"Buttons", "\"mbYes + mbNo\""}, {"Position", "False"},
           {"XPos", "10"}, {"YPos", "20"}}},
         {"MeldungsBox(Hallo,mtInformation,[mbOK][mbCancel][mbRetry][mbIgnore]);",
-         {{"Text", "Hallo"}, {"Type", "mtInformation"}, {"Buttons", "mbOK + mbCancel + mbRetry + mbIgnore"},
+         {{"Text", "Hallo"}, {"Type", "\"mtInformation\""}, {"Buttons", "\"mbOK + mbCancel + mbRetry + mbIgnore\""},
           {"Position", "True"}, {"XPos", "0"}, {"YPos", "0"}}},
     };
     for (const Row& r : rows) {
