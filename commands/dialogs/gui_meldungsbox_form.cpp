@@ -11,6 +11,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QStyle>
 #include <QVBoxLayout>
 
 namespace dv {
@@ -47,6 +48,13 @@ TMeldungsbox::TMeldungsbox(TDVCmdMeldungsBox& command)
     type_ = TFormBuilder(this, Body()).RadiosOf(_("Meldungstyp"), MessageTypes(), [](const TMsgDlgTypeRow& row) {
         return TFormBuilder::TRadio{row.radio, row.caption, static_cast<int>(row.value)};
     });
+
+    constexpr QStyle::StandardPixmap kIcons[] = {QStyle::SP_MessageBoxWarning, QStyle::SP_MessageBoxCritical,
+                                                  QStyle::SP_MessageBoxInformation, QStyle::SP_MessageBoxQuestion};
+    for (const TMsgDlgTypeRow& row : MessageTypes()) {
+        const int id = static_cast<int>(row.value);
+        type_->button(id)->setIcon(style()->standardIcon(kIcons[id]));
+    }
 
     QVBoxLayout* buttonGroup = Group(this, Body(), _("Buttons"));
     for (const TMsgDlgBtnRow& row : MessageButtons()) {
