@@ -13,8 +13,12 @@
 #include <QHttpServerResponder>
 #include <QMimeDatabase>
 #include <QRandomGenerator>
+#include <QTcpSocket>
 #include <QThread>
 #include <QUrl>
+
+#include <optional>
+#include <utility>
 
 #include <sys/eventfd.h>
 #include <unistd.h>
@@ -44,6 +48,10 @@ protected:
         } else {
             responder.write(text, "text/plain; charset=utf-8", status);
         }
+        // The reply leaves before FormResult learns of the submission: a FormResult that closes
+        // the form at once must not cut the sender's answer off.
+        socket->flush();
+        if (submitted_) form_.Submit(*std::exchange(submitted_, std::nullopt));
         return true;
     }
     void missingHandler(const QHttpServerRequest&, QTcpSocket*) override {}
@@ -103,7 +111,7 @@ private:
             if (post && Header(request, "Content-Type").toLower().startsWith("multipart/")) {
                 return {TStatus::UnsupportedMediaType, "nur application/x-www-form-urlencoded"};
             }
-            form_.Submit(ParseFormFields(post ? request.body() : request.url().query(QUrl::FullyEncoded).toUtf8()));
+            submitted_ = ParseFormFields(post ? request.body() : request.url().query(QUrl::FullyEncoded).toUtf8());
             return {TStatus::Ok, _("<!DOCTYPE html><html><body><p>Die Eingabe wurde übernommen.</p></body></html>").toUtf8()};
         }
         if (request.method() != QHttpServerRequest::Method::Get) return {TStatus::MethodNotAllowed, "nicht erlaubt"};
@@ -122,6 +130,7 @@ private:
     }
 
     THtmlForm& form_;
+    std::optional<TFormFields> submitted_;  // of the request being answered
     QString folder_;  // canonical
     QString page_;    // file name inside folder_
     QString token_;
