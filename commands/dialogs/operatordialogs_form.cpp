@@ -1,11 +1,14 @@
 #include "commands/dialogs/operatordialogs_form.h"
 
-#include "commands/dialogs/formbrowser_form.h"
 #include "commands/dialogs/gui_meldungsbox.h"
+#include "framework/exceptions.h"
 #include "framework/translate.h"
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QStandardPaths>
 #include <QFileDialog>
 #include <QMessageBox>
 #include <QPushButton>
@@ -69,16 +72,41 @@ std::optional<QString> TOperatorDialogs::ChooseFile(const TFileRequest& request)
 
 void TOperatorDialogs::OpenBrowser(const QString& formId, const QString& url, bool fullscreen)
 {
-    browsers_[formId] = CreateFormBrowser(url, fullscreen);
+    QString program = QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral("dvformbrowser"));
+    if (!QFileInfo(program).isExecutable()) program = QStandardPaths::findExecutable(QStringLiteral("dvformbrowser"));
+    auto browser = std::make_unique<QProcess>();
+    browser->setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("DV_FORM_PARENT"), QString::number(QCoreApplication::applicationPid()));
+    browser->setProcessEnvironment(environment);
+    browser->start(program, fullscreen ? QStringList{url, QStringLiteral("--fullscreen")} : QStringList{url});
+    if (program.isEmpty() || !browser->waitForStarted(10000)) {
+        throw TDravikException(Format(_("FormShow: das Formularfenster dvformbrowser kann nicht gestartet werden; "
+                                        "das Formular steht unter %s"), {url}));
+    }
+    browsers_[formId] = std::move(browser);
 }
 
-void TOperatorDialogs::CloseBrowser(const QString& formId) { browsers_.erase(formId); }
+void TOperatorDialogs::CloseBrowser(const QString& formId)
+{
+    const auto it = browsers_.find(formId);
+    if (it == browsers_.end()) return;
+    it->second->terminate();
+    if (!it->second->waitForFinished(1000)) it->second->kill();
+    browsers_.erase(it);
+}
+
+void TOperatorDialogs::CloseAllBrowsers()
+{
+    while (!browsers_.empty()) CloseBrowser(browsers_.begin()->first);
+}
 
 void RegisterOperatorDialogs()
 {
-    // Never destroyed: its browser windows must not outlive the application object at exit.
+    // Never destroyed; browsers still open when the application ends are closed with it.
     static auto* dialogs = new TOperatorDialogs;
     SetOperatorDialogs(dialogs);
+    qAddPostRoutine([] { dialogs->CloseAllBrowsers(); });
 }
 
 }  // namespace dv
