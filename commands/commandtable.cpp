@@ -4,6 +4,10 @@
 #include "commands/system/gui_exec.h"
 #include "commands/system/gui_inifile.h"
 #include "commands/system/gui_sysutils.h"
+#include "commands/dialogs/gui_formshow.h"
+#include "commands/dialogs/gui_meldungsbox.h"
+#include "commands/dialogs/gui_opensavedlg.h"
+#include "commands/dialogs/gui_statustext.h"
 #include "commands/dialogs/gui_textout.h"
 #include "commands/script/gui_bemerkung.h"
 #include "commands/script/gui_case.h"
@@ -40,6 +44,11 @@ constexpr std::array kCommandClasses{
     TCommandClass{"TDVCmdIfThenElse", &Construct<TDVCmdIfThenElse>},
     TCommandClass{"TDVCmdCase", &Construct<TDVCmdCase>},
     TCommandClass{"TDVCmdLoop", &Construct<TDVCmdLoop>},
+    TCommandClass{"TDVCmdMeldungsBox", &Construct<TDVCmdMeldungsBox>},
+    TCommandClass{"TDVCmdStatusBar", &Construct<TDVCmdStatusBar>},
+    TCommandClass{"TDVCmdOpenSave", &Construct<TDVCmdOpenSave>},
+    TCommandClass{"TDVCmdFormShow", &Construct<TDVCmdFormShow>},
+    TCommandClass{"TDVCmdFormResult", &Construct<TDVCmdFormResult>},
 };
 }  // namespace
 

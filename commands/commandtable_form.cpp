@@ -4,11 +4,16 @@
 #include "commands/system/gui_exec_form.h"
 #include "commands/system/gui_inifile_form.h"
 #include "commands/system/gui_sysutils_form.h"
+#include "commands/dialogs/gui_formshow_form.h"
+#include "commands/dialogs/gui_meldungsbox_form.h"
+#include "commands/dialogs/gui_opensavedlg_form.h"
+#include "commands/dialogs/gui_statustext_form.h"
 #include "commands/dialogs/gui_textout_form.h"
 #include "commands/script/gui_bemerkung_form.h"
 #include "commands/script/gui_case_form.h"
 #include "commands/script/gui_ifthenelse_form.h"
 #include "commands/script/gui_loop_form.h"
+#include "commands/dialogs/operatordialogs_form.h"
 #include "commands/text/gui_arraytostr_form.h"
 #include "commands/text/gui_numberconvert_form.h"
 #include "commands/text/gui_stringbearbeitung_form.h"
@@ -35,6 +40,12 @@ void RegisterForms()
     RegisterForm<TIfThenElse, TDVCmdIfThenElse>(QStringLiteral("TIfThenElse"));
     RegisterForm<T_Case, TDVCmdCase>(QStringLiteral("T_Case"));
     RegisterForm<TDVGUILoop, TDVCmdLoop>(QStringLiteral("TDVGUILoop"));
+    RegisterForm<TMeldungsbox, TDVCmdMeldungsBox>(QStringLiteral("TMeldungsbox"));
+    RegisterForm<TStatusleiste, TDVCmdStatusBar>(QStringLiteral("TStatusleiste"));
+    RegisterForm<TFRM_OpenSave, TDVCmdOpenSave>(QStringLiteral("TFRM_OpenSave"));
+    RegisterForm<TFormFormShow, TDVCmdFormShow>(QStringLiteral("TFormFormShow"));
+    RegisterForm<TFormFormResult, TDVCmdFormResult>(QStringLiteral("TFormFormResult"));
+    RegisterOperatorDialogs();
 }
 
 }  // namespace dv

@@ -10,6 +10,8 @@
 #include <QRegularExpression>
 
 #include <pthread.h>
+#include <cstdio>
+#include <unistd.h>
 
 namespace dv::host {
 
@@ -42,6 +44,13 @@ const char* StackLimitOfThisThread()
     return static_cast<const char*>(bottom) + reserve;
 }
 
+// On a terminal the status text also stands in a live line on stderr until the next output.
+bool StatusLineWanted()
+{
+    static const bool terminal = ::isatty(STDERR_FILENO) != 0;
+    return terminal;
+}
+
 }  // namespace
 
 THost::THost() : commands_(this)
@@ -52,7 +61,19 @@ THost::THost() : commands_(this)
     SetHostServices({this, this, this});
 }
 
-THost::~THost() { SetHostServices({}); }
+THost::~THost()
+{
+    ClearStatusLine();
+    SetHostServices({});
+}
+
+void THost::ClearStatusLine()
+{
+    if (!statusLineShown_) return;
+    std::fputs("\r\033[K", stderr);
+    std::fflush(stderr);
+    statusLineShown_ = false;
+}
 
 void THost::SetOutput(TLineSink stdoutSink, TLineSink logSink)
 {
@@ -187,6 +208,7 @@ QString THost::ResolveText(const QString& text)
 void THost::WriteOutput(const QString& text, const QString& fontName, int size, int style, int color)
 {
     std::lock_guard lock(outputMutex_);
+    ClearStatusLine();
     if (stdout_) stdout_(text);
     if (log_) {
         log_(QStringLiteral("AUSGABE %1 [Schrift=%2; Größe=%3; Stil=%4; Farbe=%5]")
@@ -198,6 +220,11 @@ void THost::SetStatusText(const QString& text)
 {
     statusText_ = text;
     Log(QStringLiteral("STATUS ") + text);
+    if (!StatusLineWanted()) return;
+    std::lock_guard lock(outputMutex_);
+    std::fputs((QStringLiteral("\r\033[K") + text).toUtf8().constData(), stderr);
+    std::fflush(stderr);
+    statusLineShown_ = true;
 }
 
 void THost::StopTest()
@@ -216,6 +243,7 @@ void THost::SetLaborVisible(bool show)
 void THost::WriteLog(const QString& text)
 {
     std::lock_guard lock(outputMutex_);
+    ClearStatusLine();
     if (stdout_) stdout_(text);
     if (log_) log_(QStringLiteral("LOG ") + text);
 }

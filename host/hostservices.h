@@ -86,6 +86,8 @@ public:
 
 private:
     TVariable* Lookup(const QString& name) const;
+    // Removes the live status line from the terminal; callers hold outputMutex_.
+    void ClearStatusLine();
 
     TProgram program_;
     TCommandPool commands_;
@@ -102,6 +104,7 @@ private:
     bool stoppedByCommand_ = false;
     bool laborVisible_ = false;
     QString statusText_;
+    bool statusLineShown_ = false;
 };
 
 }  // namespace dv::host

@@ -9,6 +9,7 @@ packages=(
   libgtest-dev libgmock-dev libbenchmark-dev
   python3-numpy python3-scipy
   python3-pandas
+  qt6-httpserver-dev qt6-websockets-dev qt6-webengine-dev
 )
 missing=()
 for p in "${packages[@]}"; do

@@ -1,4 +1,6 @@
 // The example scripts run end to end through dvrun, and older lines convert to current ones.
+#include "tests/support/httpclient.h"
+
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>
@@ -7,6 +9,7 @@
 #include <QProcess>
 #include <QTcpServer>
 #include <QTemporaryDir>
+#include <QUrl>
 
 namespace {
 
@@ -91,6 +94,46 @@ TEST_F(Examples, PipeAndTcpAgainstTheEchoServer)
     EXPECT_EQ(run.exitCode, 0) << run.out.toStdString();
     EXPECT_TRUE(run.out.contains("Pipe: Hallo Pipe")) << run.out.toStdString();
     EXPECT_TRUE(run.out.contains("TCP: PING")) << run.out.toStdString();
+}
+
+// The operator example headless: the question and the file are answered on the command line, the
+// HTML form by an HTTP client at the address FormShow prints.
+TEST_F(Examples, OperatorAnsweredThroughAnswersAndAnHttpClient)
+{
+    const QString log = dir.filePath("operator.log");
+    QProcess p;
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.remove("DISPLAY");
+    env.remove("WAYLAND_DISPLAY");
+    p.setProcessEnvironment(env);
+    p.start(DV_BINARY_DIR "/host/dvrun", {dir.filePath("operator.dvs"), "--log", log, "--answer", "MeldungsBox=JA",
+                                          "--answer", "OpenSaveDlg=" + dir.filePath("bericht")});
+    QByteArray out;
+    QUrl form;
+    while (form.isEmpty() && p.waitForReadyRead(30000)) {
+        out += p.readAllStandardOutput();
+        for (const QByteArray& line : out.split('\n')) {
+            if (line.startsWith("FormShow: ")) form = QUrl(QString::fromUtf8(line.mid(10).trimmed()));
+        }
+    }
+    ASSERT_TRUE(form.isValid()) << out.toStdString() << p.readAllStandardError().toStdString();
+    const QByteArray path = form.path(QUrl::FullyEncoded).toUtf8();
+    EXPECT_TRUE(dv::test::Http(form.port(), dv::test::GetRequest(form.port(), path)).body.contains("name=\"Pruefer\""));
+    EXPECT_EQ(dv::test::Http(form.port(), dv::test::PostRequest(form.port(), path, "Pruefer=Erika+Muster&Seriennummer=SN-42")).status,
+              200);
+    ASSERT_TRUE(p.waitForFinished(30000));
+    out += p.readAllStandardOutput();
+    EXPECT_EQ(p.exitCode(), 0) << out.toStdString() << p.readAllStandardError().toStdString();
+    const QStringList lines = QString::fromUtf8(out).split('\n');
+    for (const QString& expected : QStringList{"Bericht: " + dir.filePath("bericht.csv"), "Felder: Pruefer,Seriennummer",
+                                               "Prüfer Erika Muster, Seriennummer SN-42"}) {
+        EXPECT_TRUE(lines.contains(expected)) << "no line \"" << expected.toStdString() << "\" in\n" << out.toStdString();
+    }
+    EXPECT_TRUE(ReadFile(log).contains("STATUS Warte auf den Prüfer"));
+
+    const TRun unanswered = Run("operator.dvs");
+    EXPECT_EQ(unanswered.exitCode, 1);
+    EXPECT_TRUE(unanswered.out.contains("dvrun --answer MeldungsBox=")) << unanswered.out.toStdString();
 }
 
 TEST(OlderLines, ConvertToTheCurrentFormOfEachCommand)

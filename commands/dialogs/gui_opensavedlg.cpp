@@ -1,0 +1,103 @@
+#include "commands/dialogs/gui_opensavedlg.h"
+
+#include "framework/dvtools.h"
+#include "framework/exceptions.h"
+#include "framework/parser.h"
+#include "framework/services.h"
+#include "framework/synchronize.h"
+#include "framework/translate.h"
+
+#include <QFileInfo>
+
+namespace dv {
+
+namespace {
+
+const QString kOpenDlg = QStringLiteral("OpenDlg");
+const QString kFileName = QStringLiteral("FileName");
+const QString kInitDir = QStringLiteral("InitDir");
+const QString kCaption = QStringLiteral("Caption");
+const QString kExtension = QStringLiteral("Extension");
+
+QString Quoted(const QString& text) { return '"' + text + '"'; }
+
+// The person's choice: nullopt when cancelled.
+std::optional<QString> Choose(const TFileRequest& request)
+{
+    if (IDVOperatorDialogs* dialogs = OperatorDialogs()) {
+        std::optional<QString> chosen;
+        Synchronize([&] { chosen = dialogs->ChooseFile(request); });
+        return chosen;
+    }
+    const QString answer = RequiredHeadlessAnswer(QStringLiteral("OpenSaveDlg"), QStringLiteral("/pfad/datei.csv"));
+    if (answer.trimmed().compare(QLatin1String(kCancelAnswer), Qt::CaseInsensitive) == 0) return std::nullopt;
+    return WithDefaultExtension(answer, request.defaultExtension);
+}
+
+}  // namespace
+
+QString WithDefaultExtension(const QString& path, const QString& extension)
+{
+    const QString suffix = extension.startsWith('.') ? extension.mid(1) : extension;
+    if (suffix.isEmpty() || path.isEmpty() || !QFileInfo(path).suffix().isEmpty()) return path;
+    return path + '.' + suffix;
+}
+
+TDVCmdOpenSave::TDVCmdOpenSave(TDVParser* parser) : TDVFieldsCommand("TDVCmdOpenSave", parser) {}
+
+void TDVCmdOpenSave::SetParams(const TParamList& params)
+{
+    fields_.openDialog = StrToBoolEx(params.GetString(kOpenDlg), true);
+    fields_.fileName = params.GetString(kFileName).trimmed();
+    fields_.initDir = StripQuotes(params.GetString(kInitDir));
+    fields_.caption = StripQuotes(params.GetString(kCaption));
+    fields_.extension = StripQuotes(params.GetString(kExtension));
+}
+
+void TDVCmdOpenSave::ReadParams(TParamList& params)
+{
+    params.AddString(kOpenDlg, fields_.openDialog ? QStringLiteral("True") : QStringLiteral("False"));
+    params.AddString(kFileName, fields_.fileName);
+    params.AddString(kInitDir, Quoted(fields_.initDir));
+    params.AddString(kCaption, Quoted(fields_.caption));
+    params.AddString(kExtension, Quoted(fields_.extension));
+}
+
+// OpenSaveDlg(OPEN_DIALOG,[FILE:Datei][DIR:c:\daten][CAP:Titel][EXT:csv]);
+bool TDVCmdOpenSave::DecodeScript(const QString& script, TParamList& params, TDVScriptImporter*)
+{
+    const QString end = QStringLiteral("]");
+    fields_.openDialog = script.contains(QLatin1String("OPEN_DIALOG"));
+    fields_.fileName = GetStrPart(QStringLiteral("[FILE:"), end, script);
+    fields_.initDir = GetStrPart(QStringLiteral("[DIR:"), end, script);
+    fields_.caption = GetStrPart(QStringLiteral("[CAP:"), end, script);
+    fields_.extension = GetStrPart(QStringLiteral("[EXT:"), end, script);
+    ReadParams(params);
+    return true;
+}
+
+QString TDVCmdOpenSave::GetDescription(const QString&, const TParamList& params)
+{
+    SetParams(params);
+    return (fields_.openDialog ? _("Datei öffnen: ") : _("Datei speichern: ")) + fields_.fileName;
+}
+
+void TDVCmdOpenSave::Run(TParamList& params)
+{
+    SetParams(params);
+    const QString variable = fields_.fileName;
+    // Checked before the dialog shows, so that a misspelt name never costs the person a choice.
+    if (!variable.isEmpty() && !VarAccess().FindVariable(variable)) {
+        throw TDVRuntimeException(Format(_("Der Bezeichner \"%s\" wurde nicht als Variable deklariert!"), {variable}));
+    }
+    TFileRequest request;
+    request.open = fields_.openDialog;
+    request.caption = fields_.caption;
+    request.initialDir = ResolveProjectPath(fields_.initDir);
+    request.defaultExtension = fields_.extension;
+    request.proposedFile = variable.isEmpty() ? QString() : VarAccess().ResolveText(variable);
+    const std::optional<QString> chosen = Choose(request);
+    if (chosen && !variable.isEmpty()) VarAccess().SetVariable(variable, std::make_unique<TStringValue>(*chosen));
+}
+
+}  // namespace dv

@@ -1,0 +1,31 @@
+#pragma once
+// The operator dialogs of a host with a display: QMessageBox, QFileDialog and the form browser
+// (the program dvformbrowser beside the host, so that Qt WebEngine loads only when a form shows).
+#include "commands/dialogs/operatordialogs.h"
+
+#include <QProcess>
+
+#include <map>
+#include <memory>
+
+namespace dv {
+
+class TOperatorDialogs final : public IDVOperatorDialogs {
+public:
+    TOperatorDialogs();
+    ~TOperatorDialogs() override;
+
+    int ShowMessage(const TMessageRequest& request) override;
+    std::optional<QString> ChooseFile(const TFileRequest& request) override;
+    void OpenBrowser(const QString& formId, const QString& url, bool fullscreen) override;
+    void CloseBrowser(const QString& formId) override;
+    void CloseAllBrowsers();
+
+private:
+    std::map<QString, std::unique_ptr<QProcess>> browsers_;  // dvformbrowser per form
+};
+
+// Installs one TOperatorDialogs for the life of the application.
+void RegisterOperatorDialogs();
+
+}  // namespace dv

@@ -1,0 +1,122 @@
+#include "commands/dialogs/gui_meldungsbox.h"
+#include "tests/commands/formdriver.h"
+#include "tests/commands/params.h"
+#include "tests/support/testhost.h"
+
+#include <QGuiApplication>
+#include <QMessageBox>
+#include <QScreen>
+
+#include <gtest/gtest.h>
+
+namespace dv {
+namespace {
+
+using namespace test;
+
+// Each button of the shown message, pressed by the person: its result text, and a stop for
+// Abbrechen (Cancel and Abort alike).
+TEST(MeldungsBoxFormTest, EveryButtonGivesItsResultTextAndCancelOrAbortStops)
+{
+    struct Row {
+        const char* button;
+        const char* expected;
+        int stops;
+    };
+    const Row rows[] = {
+        {"mbYes", "JA", 0},        {"mbNo", "NEIN", 0},          {"mbOK", "OK", 0},
+        {"mbCancel", "ABBRECHEN", 1}, {"mbAbort", "ABBRECHEN", 1}, {"mbRetry", "WIEDERHOLEN", 0},
+        {"mbIgnore", "IGNORIEREN", 0},
+    };
+    for (const Row& r : rows) {
+        TTestHost host;
+        host.Declare("ButtonResult", g_StringType);
+        TDVCmdMeldungsBox command(&host);
+        QStringList offered;
+        QMessageBox::Icon icon = QMessageBox::NoIcon;
+        OnModal("MeldungsBox", [&](QWidget& box) {
+            for (QAbstractButton* b : static_cast<QMessageBox&>(box).buttons()) offered << b->objectName();
+            icon = static_cast<QMessageBox&>(box).icon();
+            Find<QAbstractButton>(box, r.button).click();
+        });
+        TParamList params = MakeParams({{"Text", "Weiter?"}, {"Type", "\"mtWarning\""},
+                                        {"Buttons", "mbYes + mbNo + mbOK + mbCancel + mbAbort + mbRetry + mbIgnore"}});
+        command.Run(params);
+        EXPECT_EQ(host.ValueText("ButtonResult"), r.expected) << r.button;
+        EXPECT_EQ(host.stopCalls, r.stops) << r.button;
+        offered.sort();
+        EXPECT_EQ(offered, (QStringList{"mbAbort", "mbCancel", "mbIgnore", "mbNo", "mbOK", "mbRetry", "mbYes"}));
+        EXPECT_EQ(icon, QMessageBox::Warning);
+    }
+}
+
+TEST(MeldungsBoxFormTest, ExactlyTheChosenButtonsTheTypesIconAndThePlace)
+{
+    TTestHost host;
+    host.Declare("ButtonResult", g_StringType);
+    TDVCmdMeldungsBox command(&host);
+    QStringList offered;
+    QMessageBox::Icon icon = QMessageBox::NoIcon;
+    QPoint at;
+    OnModal("MeldungsBox", [&](QWidget& box) {
+        for (QAbstractButton* b : static_cast<QMessageBox&>(box).buttons()) offered << b->objectName();
+        icon = static_cast<QMessageBox&>(box).icon();
+        at = box.pos();
+        Find<QAbstractButton>(box, "mbNo").click();
+    });
+    TParamList params = MakeParams({{"Position", "False"}, {"Text", "Fehler?"}, {"Type", "\"mtError\""},
+                                    {"Buttons", "mbYes + mbNo"}, {"XPos", "10"}, {"YPos", "20"}});
+    command.Run(params);
+    offered.sort();
+    EXPECT_EQ(offered, (QStringList{"mbNo", "mbYes"}));
+    EXPECT_EQ(icon, QMessageBox::Critical);
+    const QSize screen = QGuiApplication::primaryScreen()->geometry().size();
+    EXPECT_EQ(at, QPoint(qRound(screen.width() * 0.1), qRound(screen.height() * 0.2)));
+    EXPECT_EQ(host.ValueText("ButtonResult"), "NEIN");
+}
+
+TEST(MeldungsBoxFormTest, DialogEnablesThePositionOnlyWithoutStandardAndWritesItsControls)
+{
+    TTestHost host;
+    TDVCmdMeldungsBox command(&host);
+    for (const char* button : {"BT_Cancel", "BT_OK"}) {
+        TParamList params = MakeParams({{"Text", "Hallo"}, {"Type", "\"mtInformation\""}, {"Buttons", "mbOK + mbAbort"}});
+        const TParamList before = params;
+        bool enabledWithStandard = true;
+        bool enabledWithout = false;
+        int tested = 0;
+        OnModal("TMeldungsbox", [&](QWidget& d) {
+            EXPECT_TRUE(Find<QRadioButton>(d, "RB_Information").isChecked());
+            enabledWithStandard = Find<QLineEdit>(d, "DVEdit_x").isEnabled() || Find<QLineEdit>(d, "DVEdit_Y").isEnabled();
+            Click(d, "CB_Position");
+            enabledWithout = Find<QLineEdit>(d, "DVEdit_x").isEnabled() && Find<QLineEdit>(d, "DVEdit_Y").isEnabled();
+            Type(d, "DVEdit_Meldung", "Fertig?");
+            Click(d, "RB_Confirmation");
+            Click(d, "CB_OK");
+            Click(d, "CB_YES");
+            Click(d, "CB_Ignore");
+            Type(d, "DVEdit_x", "25");
+            Type(d, "DVEdit_Y", "75");
+            OnModal("MeldungsBox", [&](QWidget& box) {
+                ++tested;
+                static_cast<QMessageBox&>(box).buttons().front()->click();
+            });
+            Click(d, "BT_Test");
+            Click(d, button);
+        });
+        EXPECT_EQ(command.Edit(params), QString(button) == "BT_OK");
+        EXPECT_FALSE(enabledWithStandard);
+        EXPECT_TRUE(enabledWithout);
+        EXPECT_EQ(tested, 1) << "the Test button shows the message";
+        EXPECT_TRUE(host.setVariableCalls.isEmpty()) << "testing writes no ButtonResult";
+        if (QString(button) == "BT_OK") {
+            EXPECT_EQ(params, MakeParams({{"Text", "Fertig?"}, {"Type", "\"mtConfirmation\""}, {"Buttons", "\"mbYes + mbIgnore\""},
+                                          {"Position", "False"}, {"XPos", "25"}, {"YPos", "75"}}));
+        } else {
+            EXPECT_EQ(params, before);
+        }
+    }
+}
+
+}  // namespace
+}  // namespace dv
