@@ -4,6 +4,7 @@
 #include "framework/headless.h"
 #include "framework/systemlog.h"
 #include "framework/translate.h"
+#include "framework/typeconversion.h"
 #include "host/catalogue_listing.h"
 #include "host/importer.h"
 #include "host/junit.h"
@@ -46,7 +47,7 @@ std::optional<QString> ReadScript(const QString& path, QString& text)
 {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) return Format(_("Die Datei %s kann nicht gelesen werden"), {path});
-    text = QString::fromUtf8(file.readAll());
+    text = DecodeUtf8Or1252(file.readAll());
     return std::nullopt;
 }
 
@@ -156,6 +157,25 @@ std::optional<QString> ParseOptions(const QStringList& args, TCliOptions& option
     return std::nullopt;
 }
 
+namespace {
+
+int RunOptions(int& argc, char** argv, const TCliOptions& options)
+{
+    QString text;
+    if (const std::optional<QString> error = ReadScript(options.script, text)) {
+        PrintTo(stderr, QStringLiteral("dvrun: ") + *error);
+        return 2;
+    }
+    if (options.convert) {
+        THost host;
+        std::fputs(ConvertScript(text, host.Commands()).toUtf8().constData(), stdout);
+        return 0;
+    }
+    return RunScript(argc, argv, options, text);
+}
+
+}  // namespace
+
 int RunDvrun(int& argc, char** argv)
 {
     QStringList args;
@@ -174,17 +194,19 @@ int RunDvrun(int& argc, char** argv)
         std::fputs(CatalogueListing(false).toUtf8().constData(), stdout);
         return 0;
     }
-    QString text;
-    if (const std::optional<QString> error = ReadScript(options.script, text)) {
-        PrintTo(stderr, QStringLiteral("dvrun: ") + *error);
+    // The script run reports its own errors; whatever still escapes ends the process with a
+    // message instead of an abort.
+    try {
+        return RunOptions(argc, argv, options);
+    } catch (const TDVSyntaxError& e) {
+        PrintTo(stderr, QStringLiteral("%1:%2:%3: %4").arg(options.script).arg(e.Line()).arg(e.Column()).arg(e.Message()));
         return 2;
+    } catch (const std::exception& e) {
+        PrintTo(stderr, QStringLiteral("%1: %2").arg(options.script, QString::fromUtf8(e.what())));
+    } catch (...) {
+        PrintTo(stderr, QStringLiteral("%1: %2").arg(options.script, _("Unbekannter Fehler")));
     }
-    if (options.convert) {
-        THost host;
-        std::fputs(ConvertScript(text, host.Commands()).toUtf8().constData(), stdout);
-        return 0;
-    }
-    return RunScript(argc, argv, options, text);
+    return 1;
 }
 
 }  // namespace dv::host
