@@ -37,6 +37,9 @@ struct TExec {
     IRunHooks* hooks = nullptr;
     // Starting values given on the command line, by global slot; they replace a declaration's own.
     const QHash<int, TVal>* defines = nullptr;
+    // Stop checks (loop rounds, command calls) left before the run stops as if stopped; negative:
+    // no limit. Bounds the runs of untrusted scripts, as under the fuzzer.
+    mutable long long stopChecksLeft = -1;
 
     void CheckStop() const;
 };

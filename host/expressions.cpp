@@ -12,6 +12,8 @@ namespace dv::host {
 void TExec::CheckStop() const
 {
     if (runControl && runControl->StopRequested()) throw TRunStopped{};
+    if (stopChecksLeft == 0) throw TRunStopped{};
+    if (stopChecksLeft > 0) --stopChecksLeft;
 }
 
 long double TExpr::Num(TExec& ex) const

@@ -8,6 +8,7 @@ packages=(
   libx11-dev fonts-dejavu-core
   libgtest-dev libgmock-dev libbenchmark-dev
   python3-numpy python3-scipy
+  clang-14 libclang-rt-14-dev
 )
 missing=()
 for p in "${packages[@]}"; do
