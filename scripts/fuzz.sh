@@ -3,8 +3,11 @@
 #   scripts/fuzz.sh --replay            runs every corpus file through its target once (the test
 #                                       command does this); fails on the first crash
 #   scripts/fuzz.sh [TARGET] [SECONDS]  a campaign of SECONDS (default 60) on TARGET (default: every
-#                                       target, one after another), on one core. Inputs that reach new
-#                                       code are merged into tests/fuzz/corpus/TARGET; a crash is kept
+#                                       target, one after another), on one core, inputs of at most
+#                                       FUZZ_MAX_LEN bytes (512). The corpus tests/fuzz/corpus/TARGET
+#                                       is replaced by the smallest set of inputs that reaches all the
+#                                       code it and the campaign reached (files named regress-*, the
+#                                       reproducers of fixed faults, stay); a crash is kept
 #                                       in tests/fuzz/crashes/TARGET and ends the script with status 1.
 #                                       Each campaign adds a line to build/fuzz/campaigns.log.
 set -euo pipefail
@@ -37,10 +40,17 @@ for target in $targets; do
   log=build/fuzz/campaign-$target.log
   rc=0
   "$bin/fuzz_$target" "$work" "$corpus/$target" -max_total_time="$seconds" -timeout=10 \
-    -rss_limit_mb=2048 -malloc_limit_mb=256 -max_len=4096 -print_final_stats=1 -artifact_prefix="$crashes/" \
-    >"$log" 2>&1 || rc=$?
+    -rss_limit_mb=2048 -malloc_limit_mb=256 -max_len="${FUZZ_MAX_LEN:-512}" -print_final_stats=1 \
+    -artifact_prefix="$crashes/" >"$log" 2>&1 || rc=$?
   execs=$(grep -o 'number_of_executed_units: [0-9]*' "$log" | tail -n 1 | grep -o '[0-9]*$' || echo 0)
-  "$bin/fuzz_$target" -merge=1 "$corpus/$target" "$work" >>"$log" 2>&1 || true
+  # The smallest set of inputs that reaches every edge the old corpus and the campaign reached
+  # (edges only, not hit counts, which would keep ten times the files).
+  rm -rf "$work.min" && mkdir -p "$work.min"
+  # Reproducers of fixed faults (regress-*) stay whether or not they add coverage.
+  if "$bin/fuzz_$target" -merge=1 -use_counters=0 "$work.min" "$corpus/$target" "$work" >>"$log" 2>&1; then
+    find "$corpus/$target" -type f ! -name 'regress-*' -delete
+    cp "$work.min"/* "$corpus/$target"/
+  fi
   result=$([[ $rc == 0 ]] && echo "no finding" || echo "FINDING (exit $rc, see $log)")
   line="$(date -u +%FT%TZ) $target ${seconds}s $execs executions: $result"
   echo "$line" | tee -a build/fuzz/campaigns.log
