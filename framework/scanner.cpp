@@ -43,6 +43,9 @@ constexpr std::array<Symbol, 19> kSymbols{{
 }};
 
 bool IsIdentStart(QChar c) { return c.isLetter() || c == '_'; }
+// Numbers are written in ASCII digits only: QChar::isDigit also takes full-width and
+// Arabic-Indic digits, which no number conversion reads.
+bool IsDigit(QChar c) { return c >= '0' && c <= '9'; }
 bool IsIdentPart(QChar c) { return c.isLetterOrNumber() || c == '_'; }
 
 }  // namespace
@@ -100,7 +103,7 @@ void TScanner::Advance()
 void TScanner::SkipMarker()
 {
     int n = 0;
-    while (Peek(n).isDigit()) ++n;
+    while (IsDigit(Peek(n))) ++n;
     if (n > 0 && Peek(n) == ':' && Peek(n + 1) != '=') {
         for (int i = 0; i <= n; ++i) Advance();
     }
@@ -162,22 +165,22 @@ TToken TScanner::Scan()
         }
         return t;
     }
-    if (c.isDigit() || (c == '$' && QString("0123456789abcdefABCDEF").contains(Peek(1)))) {
+    if (IsDigit(c) || (c == '$' && QString("0123456789abcdefABCDEF").contains(Peek(1)))) {
         if (c == '$') {
             Advance();
             while (pos_ < text_.size() && QString("0123456789abcdefABCDEF").contains(Peek())) Advance();
             return Make(TTokenType::Number, start, line, column);
         }
-        while (Peek().isDigit()) Advance();
-        if (Peek() == '.' && Peek(1).isDigit()) {
+        while (IsDigit(Peek())) Advance();
+        if (Peek() == '.' && IsDigit(Peek(1))) {
             Advance();
-            while (Peek().isDigit()) Advance();
+            while (IsDigit(Peek())) Advance();
         }
         if ((Peek() == 'e' || Peek() == 'E') &&
-            (Peek(1).isDigit() || ((Peek(1) == '-' || Peek(1) == '+') && Peek(2).isDigit()))) {
+            (IsDigit(Peek(1)) || ((Peek(1) == '-' || Peek(1) == '+') && IsDigit(Peek(2))))) {
             Advance();
             Advance();
-            while (Peek().isDigit()) Advance();
+            while (IsDigit(Peek())) Advance();
         }
         return Make(TTokenType::Number, start, line, column);
     }

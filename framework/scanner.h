@@ -65,6 +65,8 @@ public:
     // Consumes the next token; raises TDVSyntaxError when it is not of that type.
     TToken Require(TTokenType type);
     bool HasMoreTokens();
+    // Whether LookAhead has read the next token already (so that it cannot raise).
+    bool HasLookAhead() const { return lookahead_.has_value(); }
     const QString& Script() const { return text_; }
     // The token GetNextToken or Require gave last (EndOfText before the first); a reader that
     // ends statements at line ends compares its line with the next token's.

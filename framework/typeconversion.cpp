@@ -1,5 +1,7 @@
 #include "framework/typeconversion.h"
 
+#include <QStringDecoder>
+
 #include <array>
 
 namespace dv {
@@ -32,6 +34,17 @@ int Ord1252(QChar c)
         if (kHighControls[i] == u) return static_cast<int>(0x80 + i);
     }
     return '?';
+}
+
+QString DecodeUtf8Or1252(const QByteArray& bytes)
+{
+    QStringDecoder utf8(QStringDecoder::Utf8);
+    QString text = utf8(bytes);
+    if (!utf8.hasError()) return text;
+    text.clear();
+    text.reserve(bytes.size());
+    for (const char b : bytes) text += Chr1252(static_cast<unsigned char>(b));
+    return text;
 }
 
 }  // namespace dv

@@ -1,5 +1,6 @@
 #pragma once
 // Characters and codes always convert through the Windows-1252 code page, never through UTF-16.
+#include <QByteArray>
 #include <QChar>
 #include <QString>
 
@@ -9,5 +10,8 @@ namespace dv {
 QChar Chr1252(int code);
 // The Windows-1252 code of a character; 63 ("?") for a character the code page lacks.
 int Ord1252(QChar c);
+// The text of a file: UTF-8 when the bytes are valid UTF-8, otherwise Windows-1252, the code page
+// of files written on Windows stations.
+QString DecodeUtf8Or1252(const QByteArray& bytes);
 
 }  // namespace dv

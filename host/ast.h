@@ -45,11 +45,18 @@ struct TExec {
     std::mt19937_64* random = nullptr;  // Random's numbers; nullptr outside a run
     // The lowest stack address a procedure call may start at; nullptr: not checked.
     const char* stackLimit = nullptr;
+    // Stop checks (loop rounds, command calls) left before the run stops as if stopped; negative:
+    // no limit. Bounds the runs of untrusted scripts, as under the fuzzer.
+    mutable long long stopChecksLeft = -1;
 
     bool StopRequested() const { return runControl && runControl->StopRequested(); }
     void CheckStop() const
     {
         if (StopRequested()) throw TRunStopped{};
+        if (stopChecksLeft >= 0) {
+            if (stopChecksLeft == 0) throw TRunStopped{};
+            --stopChecksLeft;
+        }
     }
 };
 

@@ -6,6 +6,7 @@
 #include "framework/systemlog.h"
 #include "framework/translate.h"
 #include "host/builtins.h"
+#include "framework/typeconversion.h"
 #include "host/catalogue_listing.h"
 #include "host/importer.h"
 #include "host/junit.h"
@@ -53,7 +54,7 @@ std::optional<QString> ReadScript(const QString& path, QString& text)
 {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) return Format(_("Die Datei %s kann nicht gelesen werden"), {path});
-    text = QString::fromUtf8(file.readAll());
+    text = DecodeUtf8Or1252(file.readAll());
     return std::nullopt;
 }
 
@@ -196,6 +197,27 @@ std::optional<QString> ParseOptions(const QStringList& args, TCliOptions& option
     return std::nullopt;
 }
 
+namespace {
+
+int RunOptions(int& argc, char** argv, const TCliOptions& options)
+{
+    QString text;
+    if (const std::optional<QString> error = ReadScript(options.script, text)) {
+        PrintTo(stderr, QStringLiteral("dvrun: ") + *error);
+        return 2;
+    }
+    if (options.convert) {
+        THost host;
+        QStringList warnings;
+        std::fputs(ConvertScript(text, host.Commands(), &warnings).toUtf8().constData(), stdout);
+        for (const QString& w : warnings) PrintTo(stderr, QStringLiteral("dvrun: ") + w);
+        return 0;
+    }
+    return RunScript(argc, argv, options, text);
+}
+
+}  // namespace
+
 int RunDvrun(int& argc, char** argv)
 {
     QStringList args;
@@ -214,19 +236,19 @@ int RunDvrun(int& argc, char** argv)
         std::fputs((options.builtins ? BuiltinListing() : CatalogueListing(false)).toUtf8().constData(), stdout);
         return 0;
     }
-    QString text;
-    if (const std::optional<QString> error = ReadScript(options.script, text)) {
-        PrintTo(stderr, QStringLiteral("dvrun: ") + *error);
+    // The script run reports its own errors; whatever still escapes ends the process with a
+    // message instead of an abort.
+    try {
+        return RunOptions(argc, argv, options);
+    } catch (const TDVSyntaxError& e) {
+        PrintTo(stderr, QStringLiteral("%1:%2:%3: %4").arg(options.script).arg(e.Line()).arg(e.Column()).arg(e.Message()));
         return 2;
+    } catch (const std::exception& e) {
+        PrintTo(stderr, QStringLiteral("%1: %2").arg(options.script, QString::fromUtf8(e.what())));
+    } catch (...) {
+        PrintTo(stderr, QStringLiteral("%1: %2").arg(options.script, _("Unbekannter Fehler")));
     }
-    if (options.convert) {
-        THost host;
-        QStringList warnings;
-        std::fputs(ConvertScript(text, host.Commands(), &warnings).toUtf8().constData(), stdout);
-        for (const QString& w : warnings) PrintTo(stderr, QStringLiteral("dvrun: ") + w);
-        return 0;
-    }
-    return RunScript(argc, argv, options, text);
+    return 1;
 }
 
 }  // namespace dv::host

@@ -176,7 +176,11 @@ TExprPtr TScriptParser::ParseNumber(const TToken& t) const
         if (!ok) Fail(t, _("Ungültige Zahl"));
         return std::make_unique<TLiteral>(t.line, t.column, TVal::Number(static_cast<long double>(value)));
     }
-    return std::make_unique<TLiteral>(t.line, t.column, TVal::Number(DVStrToFloat(t.text)));
+    try {
+        return std::make_unique<TLiteral>(t.line, t.column, TVal::Number(DVStrToFloat(t.text)));
+    } catch (const TDVRuntimeException&) {
+        Fail(t, _("Ungültige Zahl"));  // out of range, as 1e99999: an error of the text, found before the run
+    }
 }
 
 // primary -> NUMBER | STRING | TRUE | FALSE | ARRAYTEXT | '[' [expr {',' expr}] ']' | '(' expr ')'

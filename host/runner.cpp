@@ -20,8 +20,16 @@ QString TRunReport::FailureText() const { return (errors + failedChecks).join('\
 bool TScriptRun::Load(const QString& text)
 {
     TScriptParser parser(host_.Program(), host_.Commands());
-    parser.ParseProgram(text);
-    for (const TParseError& e : host_.Program().errors) {
+    std::vector<TParseError>& errors = host_.Program().errors;
+    // The parser reports its own errors; these catch what would otherwise end the process.
+    try {
+        parser.ParseProgram(text);
+    } catch (const TDVSyntaxError& e) {
+        errors.push_back({e.Line(), e.Column(), e.Message()});
+    } catch (const std::exception& e) {
+        errors.push_back({parser.Line(), 1, QString::fromUtf8(e.what())});
+    }
+    for (const TParseError& e : errors) {
         report_.errors << QStringLiteral("%1:%2:%3: %4").arg(fileName_).arg(e.line).arg(e.column).arg(e.message);
     }
     if (report_.errors.isEmpty()) return true;
@@ -86,6 +94,8 @@ void TScriptRun::Run()
         fail(e.Message());
     } catch (const std::exception& e) {
         fail(QString::fromLocal8Bit(e.what()));
+    } catch (...) {
+        fail(_("Unbekannter Fehler"));
     }
     ex.frame = ex.globals;  // a procedure's frame may be gone after an error
     for (const TFailedCheck& c : host_.FailedChecks()) {

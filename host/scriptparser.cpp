@@ -77,9 +77,13 @@ void TScriptParser::EndStatement()
     Fail(t, _("Ende der Anweisung erwartet"));
 }
 
+// Whether the next token is already read; looking further would scan on from inside error
+// recovery, where a malformed token would raise again and its error would be lost.
+bool TScriptParser::HasPeeked() const { return pending_ || scanner_.HasLookAhead(); }
+
 void TScriptParser::Report(const TDVSyntaxError& e)
 {
-    const bool atEnd = e.Line() >= Peek().line && Peek().type == TTokenType::EndOfText;
+    const bool atEnd = HasPeeked() && e.Line() >= Peek().line && Peek().type == TTokenType::EndOfText;
     if (atEnd && endOfTextReported_) return;
     endOfTextReported_ = endOfTextReported_ || atEnd;
     program_.errors.push_back({e.Line(), e.Column(), e.Message()});
@@ -90,11 +94,9 @@ void TScriptParser::Report(const TDVSyntaxError& e)
 // new line that a statement ran into (then that line is the next statement).
 int TScriptParser::ResumeLine(const TDVSyntaxError& e)
 {
-    try {
-        const TToken& t = Peek();
-        if (t.line == e.Line() && t.column == e.Column() && t.line > last_.line) return last_.line;
-    } catch (const TDVSyntaxError&) {
-    }
+    if (!HasPeeked()) return e.Line();  // the scanner's own error: its token is gone
+    const TToken& t = Peek();
+    if (t.line == e.Line() && t.column == e.Column() && t.line > last_.line) return last_.line;
     return e.Line();
 }
 
@@ -106,8 +108,13 @@ void TScriptParser::SkipRestOfLine(int line)
             const TToken& t = scanner_.LookAhead();
             if (t.type == TTokenType::EndOfText || t.line > line) return;
             last_ = scanner_.GetNextToken();
-        } catch (const TDVSyntaxError&) {
-            // A malformed token on the skipped line: the scanner has moved past it.
+        } catch (const TDVSyntaxError& e) {
+            // The scanner has moved past the malformed token; one on a later line is an error of
+            // its own, and its line is skipped as well.
+            if (e.Line() > line) {
+                Report(e);
+                line = e.Line();
+            }
         }
     }
 }

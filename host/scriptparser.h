@@ -26,6 +26,8 @@ public:
     // Parses a text that must be one expression. scope: the names it may use (the program's
     // globals, a procedure's scope), or nullptr for constants only. Raises TDVSyntaxError.
     TExprPtr ParseExpressionText(const QString& text, const TScope* scope);
+    // The line of the token read last: where a failure that is no syntax error happened.
+    int Line() const { return last_.line; }
 
 private:
     struct TRawArg {
@@ -56,6 +58,7 @@ private:
     [[noreturn]] void Fail(const TToken& at, const QString& message) const;
     bool OnSameLine();
     void EndStatement();
+    bool HasPeeked() const;
     void Report(const TDVSyntaxError& e);
     int ResumeLine(const TDVSyntaxError& e);
     void SkipRestOfLine(int line);

@@ -31,7 +31,9 @@ struct TSection {
 };
 // Written and read in this order.
 constexpr TSection kSections[] = {{kUpperEnvelope, "UpperCurve"}, {kLowerEnvelope, "LowerCurve"}};
-// A count beyond any drawn envelope means a damaged file, not millions of points at 0.
+// A count beyond any drawn envelope means a damaged file, not millions of points at 0. So does a
+// count above the file's size in bytes: a point takes some twenty bytes, and a few missing keys
+// (read as 0) never come near it; the bound keeps the points within a small multiple of the file.
 constexpr long kMaxPoints = 10'000'000;
 
 QString FloatText(double v, QChar decimalSeparator)
@@ -124,7 +126,7 @@ void LoadHK(TCurveStore& store, const QString& fileName)
         // The runtime's integer reading: "$3" and "0x3" are hexadecimal, anything else that is no
         // 32-bit integer reads as the default.
         const long n = StrToIntDef(ProfileValue(ini, section.name, "Values"), -1);
-        if (n > kMaxPoints) {
+        if (n > kMaxPoints || n > QFileInfo(fileName).size()) {
             throw TDravikException(Format(_("Ungültige Punktzahl %s im Abschnitt %s"),
                                           {QString::number(n), QString::fromLatin1(section.name)}));
         }

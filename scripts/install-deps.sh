@@ -10,6 +10,7 @@ packages=(
   python3-numpy python3-scipy
   python3-pandas
   qt6-httpserver-dev qt6-websockets-dev qt6-webengine-dev
+  clang-14 libclang-rt-14-dev
 )
 missing=()
 for p in "${packages[@]}"; do

@@ -21,12 +21,13 @@ struct TRun {
 
 class Dvrun : public testing::Test {
 protected:
-    QString Script(const QString& name, const QString& text)
+    QString Script(const QString& name, const QString& text) { return ScriptBytes(name, text.toUtf8()); }
+    QString ScriptBytes(const QString& name, const QByteArray& bytes)
     {
         const QString path = dir.filePath(name);
         QFile f(path);
         f.open(QIODevice::WriteOnly);
-        f.write(text.toUtf8());
+        f.write(bytes);
         return path;
     }
     void Start(QProcess& p, const QStringList& args)
@@ -322,6 +323,54 @@ TEST_F(Dvrun, RandomRepeatsWithItsSeedAndBuiltinsAreListed)
                              "Log\tprocedure Log(Text : Misc);\n"}) {
         EXPECT_TRUE(list.out.contains(line)) << line;
     }
+}
+
+// Inputs that once ended the process with an abort (exit code 134): each is a syntax error with its
+// place now, and the process ends normally.
+TEST_F(Dvrun, MalformedCharactersAreSyntaxErrors)
+{
+    const struct {
+        const char* script;  // UTF-8
+        const char* expected;
+    } cases[] = {
+        {"@@", "m.dvs:1:1: Unerwartetes Zeichen '@'"},
+        {"Log(1)\n@ @ @\nLog(2)", "m.dvs:2:1: Unerwartetes Zeichen '@'"},
+        {"Log(\xEF\xBC\x91)", "m.dvs:1:5: Unerwartetes Zeichen '\xEF\xBC\x91'"},  // full-width digit one
+        {"Log(1\xD9\xA3)", "m.dvs:1:6: Unerwartetes Zeichen '\xD9\xA3'"},         // Arabic-Indic digit three
+        {"Log('Text')", "m.dvs:1:5: Unerwartetes Zeichen '''"},
+        {"Log(1e99999)", "m.dvs:1:5: Ungültige Zahl bei '1e99999'"},
+        {"var X : Number = 1e-99999", "m.dvs:1:18: Ungültige Zahl"},
+    };
+    for (const auto& c : cases) {
+        const TRun r = Run({Script("m.dvs", QString::fromUtf8(c.script))});
+        EXPECT_EQ(r.exitCode, 2) << c.script << "\n" << r.err.toStdString();
+        EXPECT_TRUE(r.err.contains(QString::fromUtf8(c.expected))) << c.script << "\n" << r.err.toStdString();
+        EXPECT_TRUE(r.out.isEmpty()) << c.script;
+    }
+}
+
+// A bad character at the start of the line after another error is reported too, not swallowed
+// while the reader skips to the next statement.
+TEST_F(Dvrun, ABadCharacterAfterAnErrorHasItsOwnMessage)
+{
+    const TRun r = Run({Script("z.dvs", "Log(1 +)\n@Log(2)\nLog(3)\n")});
+    EXPECT_EQ(r.exitCode, 2);
+    EXPECT_TRUE(r.err.contains("z.dvs:1:")) << r.err.toStdString();
+    EXPECT_TRUE(r.err.contains("z.dvs:2:1: Unerwartetes Zeichen '@'")) << r.err.toStdString();
+}
+
+// Scripts written on Windows stations are Windows-1252; a file that is not valid UTF-8 is read so.
+TEST_F(Dvrun, AScriptThatIsNotUtf8IsReadAsWindows1252)
+{
+    const QByteArray script = "var Gr\xF6\xDF" "e : String = \"Gr\xFC\xDF" "e \x80 \x84" "a\x93\"\nLog(Gr\xF6\xDF" "e)\n";
+    const TRun r = Run({ScriptBytes("w.dvs", script)});
+    EXPECT_EQ(r.exitCode, 0) << r.err.toStdString();
+    EXPECT_EQ(r.out, QString::fromUtf8("Grüße € „a“\n"));
+    const TRun converted = Run({"--convert", ScriptBytes("w.dvs", script)});
+    EXPECT_EQ(converted.exitCode, 0);
+    EXPECT_EQ(converted.out, QString::fromUtf8("var Größe : String = \"Grüße € „a“\"\nLog(Größe)\n"));
+    // Valid UTF-8 stays UTF-8, even where its bytes would also be Windows-1252 text.
+    EXPECT_EQ(Run({Script("u.dvs", QString::fromUtf8("Log(\"Grüße\")"))}).out, QString::fromUtf8("Grüße\n"));
 }
 
 }  // namespace

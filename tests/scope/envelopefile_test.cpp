@@ -62,9 +62,13 @@ TEST_F(EnvelopeFileTest, LoadingReadsWhatIsMissingAsEmptyOrZeroAndFailuresKeepTh
     EXPECT_EQ(Values(store.X(kUpperEnvelope)), std::vector({1.5, 0.0, 0.0}));
     EXPECT_EQ(Values(store.Y(kUpperEnvelope)), std::vector({2.0, 4.5, 0.0}));
     EXPECT_EQ(store.CurveValuesCount(kLowerEnvelope), 0);  // no section: empty, no error
-    Write("[UpperCurve]\nValues=20000000\n");
-    EXPECT_THAT([&] { LoadHK(store, file); },
-                ThrowsMessage<TDravikException>(::testing::HasSubstr("20000000")));
+    for (const char* count : {"20000000", "9999999", "40"}) {  // more points than the file has bytes
+        Write(QByteArray("[UpperCurve]\nValues=") + count + "\n");
+        EXPECT_THAT([&] { LoadHK(store, file); }, ThrowsMessage<TDravikException>(::testing::HasSubstr(count)));
+    }
+    Write("[UpperCurve]\nValues=20\n");  // 23 bytes: each missing point reads as 0
+    LoadHK(store, file);
+    EXPECT_EQ(store.CurveValuesCount(kUpperEnvelope), 20);
     EXPECT_THROW(SaveHK(store, dir.filePath("no/such/dir/x.HKV")), TDravikException);
     EXPECT_EQ(EnvelopeSaveFaultText("a.HKV", "voll"),
               "Scope-Plugin: Fehler beim speichern der Hüllkurvendateia.HKV !\nvoll");

@@ -1,0 +1,30 @@
+// Envelope file load from any file content: a fault is raised as the command's failure, and the
+// points loaded stay within what the file can describe (no 100-fold growth over its size).
+#include "analysis/curvestore.h"
+#include "scope/envelopefile.h"
+
+#include <QFile>
+#include <QString>
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <unistd.h>
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    if (size > 64 * 1024) return -1;
+    static const QString path = QStringLiteral("/tmp/dv-fuzz-envelope-%1.HKV").arg(getpid());
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate)) std::abort();
+    file.write(reinterpret_cast<const char*>(data), static_cast<qint64>(size));
+    file.close();
+    dv::analysis::TCurveStore store;
+    try {
+        dv::scope::LoadHK(store, path);
+    } catch (const dv::TDravikException&) {
+    }
+    const std::size_t points = store.X(dv::analysis::kUpperEnvelope).size() + store.X(dv::analysis::kLowerEnvelope).size();
+    if (points * 2 * sizeof(double) > 100 * (size + 1)) std::abort();
+    return 0;
+}

@@ -1,0 +1,18 @@
+// The script parser on any bytes, read as dvrun reads a script file: every malformed text is
+// reported as parse errors, nothing escapes.
+#include "framework/typeconversion.h"
+#include "host/hostservices.h"
+#include "host/scriptparser.h"
+
+#include <cstddef>
+#include <cstdint>
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    if (size > 64 * 1024) return -1;
+    const QString text = dv::DecodeUtf8Or1252(QByteArray(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size)));
+    dv::host::THost host;
+    dv::host::TScriptParser parser(host.Program(), host.Commands());
+    parser.ParseProgram(text);
+    return 0;
+}
