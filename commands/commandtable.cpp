@@ -11,6 +11,9 @@
 #include "commands/text/gui_stringbearbeitung.h"
 #include "framework/dvmiscfunctions.h"
 #include "framework/registry.h"
+#include "image/gui_imageevaluation.h"
+#include "image/gui_imageload.h"
+#include "image/gui_imagesave.h"
 
 #include <array>
 
@@ -30,6 +33,9 @@ constexpr std::array kCommandClasses{
     TCommandClass{"TDVCmdStringConversion", &Construct<TDVCmdStringConversion>},
     TCommandClass{"TDVCmdNumberConversion", &Construct<TDVCmdNumberConversion>},
     TCommandClass{"TDVCmdTextOut", &Construct<TDVCmdTextOut>},
+    TCommandClass{"TDVCmdImageEvaluation", &Construct<TDVCmdImageEvaluation>},
+    TCommandClass{"TDVCmdImageSave", &Construct<TDVCmdImageSave>},
+    TCommandClass{"TDVCmdImageLoad", &Construct<TDVCmdImageLoad>},
 };
 }  // namespace
 
