@@ -11,6 +11,8 @@
 #include "commands/text/gui_stringbearbeitung.h"
 #include "framework/dvmiscfunctions.h"
 #include "framework/registry.h"
+#include "image/gui_imagecapture.h"
+#include "image/gui_imagechange.h"
 #include "image/gui_imageevaluation.h"
 #include "image/gui_imageload.h"
 #include "image/gui_imagesave.h"
@@ -34,8 +36,10 @@ constexpr std::array kCommandClasses{
     TCommandClass{"TDVCmdNumberConversion", &Construct<TDVCmdNumberConversion>},
     TCommandClass{"TDVCmdTextOut", &Construct<TDVCmdTextOut>},
     TCommandClass{"TDVCmdImageEvaluation", &Construct<TDVCmdImageEvaluation>},
+    TCommandClass{"TDVCmdImageCapture", &Construct<TDVCmdImageCapture>},
     TCommandClass{"TDVCmdImageSave", &Construct<TDVCmdImageSave>},
     TCommandClass{"TDVCmdImageLoad", &Construct<TDVCmdImageLoad>},
+    TCommandClass{"TDVCmdImageChange", &Construct<TDVCmdImageChange>},
 };
 }  // namespace
 

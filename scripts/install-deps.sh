@@ -4,6 +4,7 @@ set -euo pipefail
 packages=(
   cmake ninja-build g++ pkg-config
   qt6-base-dev libgl-dev
+  qt6-multimedia-dev
   libliquid-dev libfftw3-dev libsimpleini-dev
   libx11-dev fonts-dejavu-core
   libgtest-dev libgmock-dev libbenchmark-dev
