@@ -1,5 +1,6 @@
 #include "host/cli.h"
 
+#include "framework/artifacts.h"
 #include "framework/forms/guiforms.h"
 #include "framework/headless.h"
 #include "framework/systemlog.h"
@@ -55,7 +56,7 @@ bool HasDisplay() { return qEnvironmentVariableIsSet("DISPLAY") || qEnvironmentV
 int Finish(const TRunReport& report, const TCliOptions& options)
 {
     for (const QString& line : report.errors + report.failedChecks) PrintTo(stderr, line);
-    if (!options.junit.isEmpty() && !WriteJUnitReport(options.junit, options.script, report)) {
+    if (!options.junit.isEmpty() && !WriteJUnitReport(options.junit, options.script, report, Artifacts())) {
         PrintTo(stderr, Format(_("Der Bericht %s kann nicht geschrieben werden"), {options.junit}));
     }
     return report.exitCode;
@@ -81,6 +82,10 @@ int RunScript(int& argc, char** argv, const TCliOptions& options, const QString&
     });
     const QString folder = options.project.isEmpty() ? QFileInfo(options.script).absolutePath() : options.project;
     host.SetProjectFolder(QDir::cleanPath(QDir(folder).absolutePath()));
+    if (!options.artifacts.isEmpty()) {
+        QDir().mkpath(options.artifacts);
+        SetArtifactsFolder(QDir(options.artifacts).absolutePath());
+    }
     SetHeadlessAnswers(options.answers);
 
     TScriptRun run(options.script, host);
@@ -118,6 +123,7 @@ QString UsageText()
         "  --project ORDNER     Projektordner (PROJEKTPFAD); Vorgabe: der Ordner des Skripts\n"
         "  --junit DATEI        JUnit-Bericht des Laufs schreiben\n"
         "  --log DATEI          Protokoll des Laufs schreiben\n"
+        "  --artifacts ORDNER   Bilder der Bildvergleiche in ORDNER ablegen\n"
         "  --answer BEFEHL=TEXT Antwort eines Dialogbefehls ohne Oberfläche (mehrfach möglich)\n"
         "  --list               Befehlskatalog ausgeben (Prozedur und Signatur)\n"
         "  --convert            Skript mit älteren Befehlszeilen in die aktuelle Form umschreiben\n"
@@ -143,6 +149,7 @@ std::optional<QString> ParseOptions(const QStringList& args, TCliOptions& option
         else if (a == "--project") error = value(options.project);
         else if (a == "--junit") error = value(options.junit);
         else if (a == "--log") error = value(options.log);
+        else if (a == "--artifacts") error = value(options.artifacts);
         else if (a == "--define" || a == "--answer") {
             error = value(text);
             if (!error && !text.contains('=')) error = Format(_("%s erwartet NAME=WERT, nicht \"%s\""), {a, text});
