@@ -9,6 +9,7 @@ packages=(
   libx11-dev fonts-dejavu-core
   libgtest-dev libgmock-dev libbenchmark-dev
   python3-numpy python3-scipy
+  python3-opencv
 )
 missing=()
 for p in "${packages[@]}"; do
