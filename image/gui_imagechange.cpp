@@ -6,6 +6,7 @@
 #include "image/brightness.h"
 #include "image/currentimage.h"
 #include "image/evaluation.h"
+#include "image/signaturedefaults.h"
 
 namespace dv {
 
@@ -17,13 +18,7 @@ const QString kGreyScale = QStringLiteral("GreyScale");
 
 TDVCmdImageChange::TDVCmdImageChange(TDVParser* parser) : TDVFuncRunEdit("TDVCmdImageChange", parser) {}
 
-void TDVCmdImageChange::SetDefaults()
-{
-    for (const QString& name : Signature().ParamNames()) {
-        const TDVParamDecl* decl = Signature().Find(name);
-        SetBoundField(name, decl ? decl->defaultText : QString());
-    }
-}
+void TDVCmdImageChange::SetDefaults() { image::SetSignatureDefaults(*this); }
 
 void TDVCmdImageChange::Run(TParamList& params)
 {

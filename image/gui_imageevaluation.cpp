@@ -11,6 +11,7 @@
 #include "image/comparisonpicture.h"
 #include "image/currentimage.h"
 #include "image/evaluation.h"
+#include "image/signaturedefaults.h"
 
 #include <algorithm>
 #include <cmath>
@@ -40,6 +41,8 @@ void LeavePicture(const QImage& reference, const QImage& current, const QRect& a
 }  // namespace
 
 TDVCmdImageEvaluation::TDVCmdImageEvaluation(TDVParser* parser) : TDVFuncRunEdit("TDVCmdImageEvaluation", parser) {}
+
+void TDVCmdImageEvaluation::SetDefaults() { image::SetSignatureDefaults(*this); }
 
 void TDVCmdImageEvaluation::SetParams(const TParamList& params)
 {

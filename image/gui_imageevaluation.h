@@ -10,6 +10,7 @@ namespace dv {
 class TDVCmdImageEvaluation : public TDVFuncRunEdit {
 public:
     explicit TDVCmdImageEvaluation(TDVParser* parser);
+    void SetDefaults() override;
     void SetParams(const TParamList& params) override;
     void Run(TParamList& params) override;
     QString GetDescription(const QString& name, const TParamList& params) override;

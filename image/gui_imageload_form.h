@@ -1,25 +1,18 @@
 #pragma once
-// The editors of ImageLoad and ImageSave: the file edit bound by name, a choose button and a
-// preview of the current image.
-#include "framework/forms/boundform.h"
+// The editor of ImageLoad: the file, its choose button and a preview of the current image.
 #include "image/gui_imageload.h"
+#include "image/imagefileform_form.h"
 
 namespace dv {
 
-class TImagePreview;
-
-class TFormImageLoad : public TBoundForm {
+class TFormImageLoad : public TImageFileForm {
     Q_OBJECT
 public:
     explicit TFormImageLoad(TDVCmdImageLoad& command);
 
 protected:
-    void LoadFields() override;
-
-private:
     // Kept: the chosen file becomes the current image at once, even if the dialog is cancelled.
-    void Choose();
-    TImagePreview* preview_;
+    void Chosen(const QString& path) override;
 };
 
 }  // namespace dv

@@ -1,24 +1,19 @@
 #pragma once
-#include "framework/forms/boundform.h"
+// The editor of ImageSave: the file, its choose button, a preview of the current image and a test
+// button that saves at once.
 #include "image/gui_imagesave.h"
+#include "image/imagefileform_form.h"
 
 namespace dv {
 
-class TImagePreview;
-
-class TFormImageSave : public TBoundForm {
+class TFormImageSave : public TImageFileForm {
     Q_OBJECT
 public:
     explicit TFormImageSave(TDVCmdImageSave& command);
 
-protected:
-    void LoadFields() override;
-
 private:
-    void Choose();
     void Test();
     TDVCmdImageSave& command_;
-    TImagePreview* preview_;
 };
 
 }  // namespace dv
