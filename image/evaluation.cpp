@@ -5,9 +5,7 @@
 #include <QRegularExpression>
 
 #include <algorithm>
-#include <array>
 #include <cmath>
-#include <memory>
 
 namespace dv::image {
 
@@ -35,10 +33,11 @@ int CeilDiv(int a, int b) { return (a + b - 1) / b; }
 
 std::optional<QRect> RectOfText(const QString& text)
 {
-    static const QRegularExpression number(QStringLiteral("-?\\d+(?:[.,]\\d+)?"));
+    // "," separates the numbers of an array literal, so only "." is a decimal point here.
+    static const QRegularExpression number(QStringLiteral("-?\\d+(?:\\.\\d+)?"));
     std::vector<int> values;
     for (auto it = number.globalMatch(text); it.hasNext();) {
-        values.push_back(static_cast<int>(it.next().captured().replace(',', '.').toDouble()));
+        values.push_back(static_cast<int>(it.next().captured().toDouble()));
     }
     if (values.size() != 4) return std::nullopt;
     return QRect(values[0], values[1], values[2], values[3]);

@@ -65,7 +65,8 @@ TEST(AreaTest, RectTextsAndClipping)
         {"[10, 20, 30, 40]", QRect(10, 20, 30, 40)},  {"{10}{20}{30}{40}", QRect(10, 20, 30, 40)},
         {"[]", QRect(0, 0, 100, 50)},                  {"[1, 2, 3]", QRect(0, 0, 100, 50)},
         {"[1, 2, 3, 4, 5]", QRect(0, 0, 100, 50)},     {"", QRect(0, 0, 100, 50)},
-        {"[-5, -5, 20, 20]", QRect(-5, -5, 20, 20)},
+        {"[-5, -5, 20, 20]", QRect(-5, -5, 20, 20)},  {"[10,20,30,40]", QRect(10, 20, 30, 40)},
+        {"[10.7, 20, 30, 40]", QRect(10, 20, 30, 40)},
     };
     for (const Row& r : rows) EXPECT_EQ(AreaOfText(r.text, size), r.area) << r.text;
     const std::pair<QRect, QRect> clips[] = {
