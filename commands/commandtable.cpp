@@ -20,6 +20,11 @@
 #include "framework/dvmiscfunctions.h"
 #include "framework/registry.h"
 #include "scope/gui_scope.h"
+#include "image/gui_imagecapture.h"
+#include "image/gui_imagechange.h"
+#include "image/gui_imageevaluation.h"
+#include "image/gui_imageload.h"
+#include "image/gui_imagesave.h"
 
 #include <array>
 
@@ -49,6 +54,11 @@ constexpr std::array kCommandClasses{
     TCommandClass{"TDVCmdOpenSave", &Construct<TDVCmdOpenSave>},
     TCommandClass{"TDVCmdFormShow", &Construct<TDVCmdFormShow>},
     TCommandClass{"TDVCmdFormResult", &Construct<TDVCmdFormResult>},
+    TCommandClass{"TDVCmdImageEvaluation", &Construct<TDVCmdImageEvaluation>},
+    TCommandClass{"TDVCmdImageCapture", &Construct<TDVCmdImageCapture>},
+    TCommandClass{"TDVCmdImageSave", &Construct<TDVCmdImageSave>},
+    TCommandClass{"TDVCmdImageLoad", &Construct<TDVCmdImageLoad>},
+    TCommandClass{"TDVCmdImageChange", &Construct<TDVCmdImageChange>},
 };
 }  // namespace
 

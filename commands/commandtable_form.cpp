@@ -19,6 +19,10 @@
 #include "commands/text/gui_stringbearbeitung_form.h"
 #include "commands/text/gui_strtoarray_form.h"
 #include "framework/editorform.h"
+#include "image/gui_imagechange_form.h"
+#include "image/gui_imageevaluation_form.h"
+#include "image/gui_imageload_form.h"
+#include "image/gui_imagesave_form.h"
 #include "framework/forms/commandform.h"
 #include "framework/forms/guiforms.h"
 
@@ -46,6 +50,11 @@ void RegisterForms()
     RegisterForm<TFormFormShow, TDVCmdFormShow>(QStringLiteral("TFormFormShow"));
     RegisterForm<TFormFormResult, TDVCmdFormResult>(QStringLiteral("TFormFormResult"));
     RegisterOperatorDialogs();
+    RegisterForm<TFormImageEvaluation, TDVCmdImageEvaluation>(QStringLiteral("TFormImageEvaluation"));
+    RegisterForm<TFormImageCapture, TDVCmdImageCapture>(QStringLiteral("TFormImageCapture"));
+    RegisterForm<TFormImageSave, TDVCmdImageSave>(QStringLiteral("TFormImageSave"));
+    RegisterForm<TFormImageLoad, TDVCmdImageLoad>(QStringLiteral("TFormImageLoad"));
+    RegisterForm<TFormImageChange, TDVCmdImageChange>(QStringLiteral("TFormImageChange"));
 }
 
 }  // namespace dv

@@ -1,6 +1,7 @@
 #include "host/cli.h"
 
 #include "commands/system/platform_process.h"
+#include "framework/artifacts.h"
 #include "framework/forms/guiforms.h"
 #include "framework/headless.h"
 #include "framework/systemlog.h"
@@ -63,7 +64,7 @@ bool HasDisplay() { return qEnvironmentVariableIsSet("DISPLAY") || qEnvironmentV
 int Finish(const TRunReport& report, const TCliOptions& options)
 {
     for (const QString& line : report.errors + report.failedChecks) PrintTo(stderr, line);
-    if (!options.junit.isEmpty() && !WriteJUnitReport(options.junit, options.script, report)) {
+    if (!options.junit.isEmpty() && !WriteJUnitReport(options.junit, options.script, report, Artifacts())) {
         PrintTo(stderr, Format(_("Der Bericht %s kann nicht geschrieben werden"), {options.junit}));
     }
     return report.exitCode;
@@ -93,6 +94,10 @@ int RunScript(int& argc, char** argv, const TCliOptions& options, const QString&
     const QString folder = options.project.isEmpty() ? QFileInfo(options.script).absolutePath() : options.project;
     host.SetProjectFolder(QDir::cleanPath(QDir(folder).absolutePath()));
     SetProgramOutputFolder(QFileInfo(options.log.isEmpty() ? options.script : options.log).absolutePath());
+    if (!options.artifacts.isEmpty()) {
+        QDir().mkpath(options.artifacts);
+        SetArtifactsFolder(QDir(options.artifacts).absolutePath());
+    }
     SetHeadlessAnswers(options.answers);
 
     TScriptRun run(options.script, host);
@@ -130,6 +135,7 @@ QString UsageText()
         "  --project ORDNER     Projektordner (PROJEKTPFAD); Vorgabe: der Ordner des Skripts\n"
         "  --junit DATEI        JUnit-Bericht des Laufs schreiben\n"
         "  --log DATEI          Protokoll des Laufs schreiben\n"
+        "  --artifacts ORDNER   Bilder der Bildvergleiche in ORDNER ablegen\n"
         "  --answer BEFEHL=TEXT Antwort eines Dialogbefehls ohne Oberfläche (mehrfach möglich)\n"
         "  --max-array N        höchstens N Elemente je Array (Vorgabe 100000000)\n"
         "  --max-string N       höchstens N Zeichen je Text (Vorgabe 1000000000)\n"
@@ -183,7 +189,7 @@ std::optional<QString> ParseOptions(const QStringList& args, TCliOptions& option
         } else if (a == "--seed") {
             error = value(text);
             if (!error) error = ReadCount(a, text, qint64{1} << 53, options.seed);
-        }
+        } else if (a == "--artifacts") error = value(options.artifacts);
         else if (a == "--define" || a == "--answer") {
             error = value(text);
             if (!error && !text.contains('=')) error = Format(_("%s erwartet NAME=WERT, nicht \"%s\""), {a, text});

@@ -17,6 +17,7 @@ struct TCliOptions {
     std::optional<qint64> maxArray;   // --max-array: elements of one array
     std::optional<qint64> maxString;  // --max-string: characters of one text
     std::optional<qint64> seed;       // --seed: Random repeats its numbers
+    QString artifacts;  // folder for pictures of comparisons; empty: none
     bool list = false;
     bool builtins = false;            // --list --builtins: the host's own procedures and functions
     bool convert = false;

@@ -6,7 +6,8 @@
 
 namespace dv::host {
 
-bool WriteJUnitReport(const QString& path, const QString& scriptName, const TRunReport& report)
+bool WriteJUnitReport(const QString& path, const QString& scriptName, const TRunReport& report,
+                      const QStringList& attachments)
 {
     QFile file(path);
     if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate)) return false;
@@ -30,6 +31,11 @@ bool WriteJUnitReport(const QString& path, const QString& scriptName, const TRun
         xml.writeAttribute(QStringLiteral("message"), text.section('\n', 0, 0));
         xml.writeCharacters(text);
         xml.writeEndElement();
+    }
+    if (!attachments.isEmpty()) {
+        QString out;
+        for (const QString& a : attachments) out += QStringLiteral("[[ATTACHMENT|%1]]\n").arg(a);
+        xml.writeTextElement(QStringLiteral("system-out"), out);
     }
     xml.writeEndElement();
     xml.writeEndElement();

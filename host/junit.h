@@ -4,7 +4,9 @@
 
 namespace dv::host {
 
-// false when the file cannot be written.
-bool WriteJUnitReport(const QString& path, const QString& scriptName, const TRunReport& report);
+// false when the file cannot be written. attachments: files named in the test case's system-out
+// as [[ATTACHMENT|path]], the form CI servers show as attached files.
+bool WriteJUnitReport(const QString& path, const QString& scriptName, const TRunReport& report,
+                      const QStringList& attachments = {});
 
 }  // namespace dv::host

@@ -4,6 +4,7 @@ set -euo pipefail
 packages=(
   cmake ninja-build g++ pkg-config
   qt6-base-dev libgl-dev
+  qt6-multimedia-dev
   libliquid-dev libfftw3-dev libsimpleini-dev
   libx11-dev fonts-dejavu-core
   libgtest-dev libgmock-dev libbenchmark-dev
@@ -11,6 +12,7 @@ packages=(
   python3-pandas
   qt6-httpserver-dev qt6-websockets-dev qt6-webengine-dev
   clang-14 libclang-rt-14-dev
+  python3-opencv
 )
 missing=()
 for p in "${packages[@]}"; do

@@ -65,6 +65,7 @@ TEST_F(Examples, EveryScriptRunsToItsEndWithoutFailedChecks)
         {"text.dvs", {"HALLO WELT", "00FF", "255", "HALLO", "10 €", "Alle Umwandlungen fertig"}},
         {"system.dvs", {"system.dvs fertig"}},
         {"scope.dvs", {"scope.dvs fertig"}},
+        {"image.dvs", {"Verschoben, Toleranz 16: 100", "image.dvs fertig"}},
     };
     for (const Row& r : rows) {
         const TRun run = Run(r.script);

@@ -1,0 +1,179 @@
+#include "image/evaluation.h"
+
+#include "image/linearlight.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+namespace dv::image {
+namespace {
+
+// A scene with structure at every scale the coarse search looks at: smooth waves plus a few
+// sharp-edged blocks, defined everywhere so that a moved copy has no empty border.
+QRgb Scene(int x, int y)
+{
+    const double wave = 0.5 + 0.25 * std::sin(x / 23.0) * std::cos(y / 17.0) + 0.2 * std::sin((x + 2 * y) / 41.0);
+    const bool block = ((x / 37) * 7 + (y / 29) * 3) % 5 == 0;
+    const int v = static_cast<int>(255 * std::clamp(block ? 1.0 - wave : wave, 0.0, 1.0));
+    return qRgb(v, (v * 3 + x) % 256, (255 - v + y) % 256);
+}
+
+// The scene seen with its content moved by shift.
+QImage SceneImage(QSize size, QPoint shift = {})
+{
+    QImage image(size, QImage::Format_RGB888);
+    for (int y = 0; y < size.height(); ++y) {
+        for (int x = 0; x < size.width(); ++x) image.setPixel(x, y, Scene(x - shift.x(), y - shift.y()));
+    }
+    return image;
+}
+
+QImage Uniform(QSize size, QRgb colour)
+{
+    QImage image(size, QImage::Format_RGB888);
+    image.fill(colour);
+    return image;
+}
+
+double SrgbToLinear(int v) { return v < 11 ? v / 3294.6 : std::pow((v / 255.0 + 0.055) / 1.055, 2.4); }
+
+TEST(LinearLightTest, TableFollowsTheDecodingCurveAndEncodingInvertsIt)
+{
+    EXPECT_DOUBLE_EQ(Linear(0), 0.0);
+    EXPECT_DOUBLE_EQ(Linear(10), 10 / 3294.6);
+    EXPECT_DOUBLE_EQ(Linear(11), std::pow((11 / 255.0 + 0.055) / 1.055, 2.4));
+    EXPECT_DOUBLE_EQ(Linear(255), 1.0);
+    for (int v = 0; v < 256; ++v) {
+        EXPECT_EQ(EncodeLinear(Linear(static_cast<std::uint8_t>(v))), v);
+        if (v > 0) {
+            EXPECT_GT(Linear(static_cast<std::uint8_t>(v)), Linear(static_cast<std::uint8_t>(v - 1)));
+        }
+    }
+    EXPECT_EQ(EncodeLinear(-1.0), 0);
+    EXPECT_EQ(EncodeLinear(7.0), 255);
+}
+
+TEST(AreaTest, RectTextsAndClipping)
+{
+    const QSize size(100, 50);
+    struct Row {
+        const char* text;
+        QRect area;
+    };
+    const Row rows[] = {
+        {"[10, 20, 30, 40]", QRect(10, 20, 30, 40)},  {"{10}{20}{30}{40}", QRect(10, 20, 30, 40)},
+        {"[]", QRect(0, 0, 100, 50)},                  {"[1, 2, 3]", QRect(0, 0, 100, 50)},
+        {"[1, 2, 3, 4, 5]", QRect(0, 0, 100, 50)},     {"", QRect(0, 0, 100, 50)},
+        {"[-5, -5, 20, 20]", QRect(-5, -5, 20, 20)},  {"[10,20,30,40]", QRect(10, 20, 30, 40)},
+        {"[10.7, 20, 30, 40]", QRect(10, 20, 30, 40)},
+    };
+    for (const Row& r : rows) EXPECT_EQ(AreaOfText(r.text, size), r.area) << r.text;
+    const std::pair<QRect, QRect> clips[] = {
+        {QRect(-5, -5, 20, 20), QRect(0, 0, 15, 15)},  {QRect(90, 40, 20, 20), QRect(90, 40, 10, 10)},
+        {QRect(-10, 10, 200, 5), QRect(0, 10, 100, 5)},
+    };
+    for (const auto& [area, clipped] : clips) {
+        const QRect c = ClipTo(area, size);
+        EXPECT_EQ(c.topLeft(), clipped.topLeft());
+        EXPECT_EQ(c.size(), clipped.size());
+    }
+    EXPECT_TRUE(ClipTo(QRect(120, 0, 10, 10), size).isEmpty());
+    EXPECT_TRUE(ClipTo(QRect(0, -30, 10, 10), size).isEmpty());
+}
+
+TEST(CoverageTest, UniformIsZeroAndTheDarkShareOfAClippedArea)
+{
+    EXPECT_EQ(Coverage(Uniform({40, 30}, qRgb(90, 120, 30)), QRect(0, 0, 40, 30)), 0.0);
+    // Left quarter black: a whole-image area is 25 % dark; an area hanging off the top-left corner
+    // is clipped to (0, 0, 20, 20), half of which is black.
+    QImage image = Uniform({40, 30}, qRgb(200, 200, 200));
+    for (int y = 0; y < 30; ++y) {
+        for (int x = 0; x < 10; ++x) image.setPixel(x, y, qRgb(0, 0, 0));
+    }
+    EXPECT_DOUBLE_EQ(Coverage(image, QRect(0, 0, 40, 30)), 25.0);
+    EXPECT_DOUBLE_EQ(Coverage(image, QRect(-10, -10, 30, 30)), 50.0);
+    EXPECT_EQ(Coverage(image, QRect(50, 50, 10, 10)), 0.0);
+}
+
+TEST(DifferenceTest, OnePixelDefectRmsAgainstWorstPixel)
+{
+    const int grey = 128;
+    const QImage reference = Uniform({100, 80}, qRgb(grey, grey, grey));
+    QImage current = reference;
+    current.setPixel(37, 41, qRgb(255, 255, 255));
+    const QRect all(0, 0, 100, 80);
+    const double step = 1.0 - SrgbToLinear(grey);  // every channel of the one pixel differs by this
+    EXPECT_NEAR(PixelDifference(reference, current, all, {}, TDifferenceKind::Rms), step / std::sqrt(100.0 * 80), 1e-15);
+    EXPECT_NEAR(PixelDifference(reference, current, all, {}, TDifferenceKind::WorstPixel), step, 1e-15);
+    // An area that leaves the defect out sees no difference; one with no pixels counts as all different.
+    EXPECT_EQ(PixelDifference(reference, current, QRect(0, 0, 30, 30), {}, TDifferenceKind::WorstPixel), 0.0);
+    EXPECT_EQ(PixelDifference(reference, current, QRect(200, 0, 30, 30), {}, TDifferenceKind::Rms), 1.0);
+}
+
+TEST(DifferenceTest, AreaPartlyOutsideIsClippedInEachImage)
+{
+    // Black reference, current white only in column 0: an area starting left of the images is
+    // clipped to start at column 0 in both, so the white column is inside.
+    const QImage reference = Uniform({20, 10}, qRgb(0, 0, 0));
+    QImage current = reference;
+    for (int y = 0; y < 10; ++y) current.setPixel(0, y, qRgb(255, 255, 255));
+    EXPECT_NEAR(PixelDifference(reference, current, QRect(-5, 0, 10, 10), {}, TDifferenceKind::Rms), std::sqrt(1.0 / 5), 1e-15);
+    EXPECT_EQ(PixelDifference(reference, current, QRect(1, 0, 10, 10), {}, TDifferenceKind::Rms), 0.0);
+}
+
+TEST(CompareTest, CoarseAndFineSearchFindKnownShifts)
+{
+    struct Row {
+        QPoint shift;      // how far the current image's content is moved against the reference
+        int displacement;  // the search radius
+        QPoint expected;   // the offset the comparison reports
+        bool exact;        // whether the moved copy matches there without any difference
+    };
+    const Row rows[] = {
+        {{0, 0}, 0, {0, 0}, true},     {{5, -3}, 16, {5, -3}, true},  {{-12, 7}, 16, {-12, 7}, true},
+        {{1, 1}, 1, {1, 1}, true},     {{9, 0}, 10, {9, 0}, true},    {{20, 0}, 16, {16, 0}, false},
+        {{5, -3}, 0, {0, 0}, false},
+    };
+    const QSize size(240, 180);
+    // The area keeps a margin for the search to move it in (tolerance plus the largest block).
+    const QRect area(32, 32, 176, 116);
+    const QImage reference = SceneImage(size);
+    for (const Row& r : rows) {
+        const QImage current = SceneImage(size, r.shift);
+        const TComparison found = Compare(reference, current, area, r.displacement, TDifferenceKind::Rms);
+        EXPECT_EQ(found.offset, r.expected) << r.shift.x() << "," << r.shift.y() << " d=" << r.displacement;
+        if (r.exact) EXPECT_EQ(found.Result(), 100.0) << r.shift.x() << "," << r.shift.y();
+        else EXPECT_LT(found.Result(), 100.0);
+    }
+}
+
+TEST(CompareTest, DisplacementZeroTriesOnlyTheOriginAndLogsIt)
+{
+    const QImage reference = SceneImage({60, 40});
+    QStringList lines;
+    const TComparison found = Compare(reference, reference, QRect(0, 0, 60, 40), 0, TDifferenceKind::Rms,
+                                      [&](const QString& line) { lines << line; });
+    EXPECT_EQ(lines, QStringList{"0,0 0.00%"});
+    EXPECT_EQ(found.Result(), 100.0);
+    EXPECT_EQ(CoarseSearch(reference, SceneImage({60, 40}, {3, 3}), QRect(0, 0, 60, 40), 0), QPoint(0, 0));
+}
+
+TEST(CompareTest, FineSearchStaysInsideTheToleranceAndLogsEachOffset)
+{
+    const QImage reference = SceneImage({160, 120});
+    QStringList lines;
+    const TComparison found = Compare(reference, SceneImage({160, 120}, {5, 0}), QRect(24, 24, 112, 72), 4,
+                                      TDifferenceKind::Rms, [&](const QString& line) { lines << line; });
+    // The shift 5 lies beyond the tolerance 4: the search ends at its edge, where of the offsets
+    // around (4, 0) only x in 3..4 are tried.
+    EXPECT_EQ(found.offset, QPoint(4, 0));
+    EXPECT_GT(found.difference, 0.0);
+    ASSERT_EQ(lines.size(), 6) << lines.join(" | ").toStdString();
+    EXPECT_TRUE(lines[0].startsWith("3,-1 ")) << lines[0].toStdString();
+    EXPECT_TRUE(lines.last().startsWith("4,1 ")) << lines.last().toStdString();
+    for (const QString& line : lines) EXPECT_TRUE(line.endsWith('%')) << line.toStdString();
+}
+
+}  // namespace
+}  // namespace dv::image

@@ -1,0 +1,267 @@
+#include "image/bitmapfile.h"
+#include "image/brightness.h"
+#include "image/currentimage.h"
+#include "image/evaluation.h"
+#include "image/gui_imagecapture.h"
+#include "image/gui_imagechange.h"
+#include "image/gui_imageevaluation.h"
+#include "image/gui_imageload.h"
+#include "image/gui_imagesave.h"
+#include "tests/commands/params.h"
+#include "tests/support/testhost.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <QtEndian>
+
+#include <gtest/gtest.h>
+
+#include <tuple>
+
+namespace dv {
+namespace {
+
+using namespace test;
+
+// The failure text of a call, empty when it succeeded.
+template <class F>
+QString Failure(F f)
+{
+    try {
+        f();
+    } catch (const TDravikException& e) {
+        return e.Message();
+    }
+    return {};
+}
+
+// A BMP file written byte by byte: 4 x 2 pixels red, green, blue, white / black, white, red, blue
+// (1 bit: black and white only), bottom-up rows padded to four bytes.
+QByteArray Bmp(int bits)
+{
+    const QRgb colours[2][4] = {{qRgb(255, 0, 0), qRgb(0, 255, 0), qRgb(0, 0, 255), qRgb(255, 255, 255)},
+                                {qRgb(0, 0, 0), qRgb(255, 255, 255), qRgb(255, 0, 0), qRgb(0, 0, 255)}};
+    const QList<QRgb> palette = bits == 1 ? QList<QRgb>{qRgb(0, 0, 0), qRgb(255, 255, 255)}
+                                          : QList<QRgb>{qRgb(0, 0, 0), qRgb(255, 255, 255), qRgb(255, 0, 0), qRgb(0, 255, 0), qRgb(0, 0, 255)};
+    auto colourOf = [&](int x, int y) {
+        const QRgb c = colours[y][x];
+        if (bits != 1) return c;
+        return qGray(c) > 100 ? qRgb(255, 255, 255) : qRgb(0, 0, 0);
+    };
+    const int rowBytes = ((4 * bits + 31) / 32) * 4;
+    QByteArray pixels;
+    for (int y = 1; y >= 0; --y) {
+        QByteArray row(rowBytes, '\0');
+        for (int x = 0; x < 4; ++x) {
+            const QRgb c = colourOf(x, y);
+            const int index = static_cast<int>(palette.indexOf(c));
+            switch (bits) {
+            case 1: row[x / 8] = static_cast<char>(row[x / 8] | (index << (7 - x % 8))); break;
+            case 4: row[x / 2] = static_cast<char>(row[x / 2] | (index << (x % 2 ? 0 : 4))); break;
+            case 8: row[x] = static_cast<char>(index); break;
+            case 16: {
+                const quint16 v = static_cast<quint16>(((qRed(c) >> 3) << 10) | ((qGreen(c) >> 3) << 5) | (qBlue(c) >> 3));
+                qToLittleEndian(v, row.data() + 2 * x);
+                break;
+            }
+            default:
+                for (int k = 0; k < bits / 8; ++k) {
+                    const int channel[] = {qBlue(c), qGreen(c), qRed(c), 0};
+                    row[x * bits / 8 + k] = static_cast<char>(channel[k]);
+                }
+            }
+        }
+        pixels += row;
+    }
+    QByteArray paletteBytes;
+    if (bits <= 8) {
+        for (QRgb c : palette) {
+            const char bgr0[4] = {char(qBlue(c)), char(qGreen(c)), char(qRed(c)), 0};
+            paletteBytes.append(bgr0, 4);
+        }
+    }
+    QByteArray file(54, '\0');
+    const int offset = 54 + static_cast<int>(paletteBytes.size());
+    file[0] = 'B';
+    file[1] = 'M';
+    qToLittleEndian<quint32>(offset + pixels.size(), file.data() + 2);
+    qToLittleEndian<quint32>(offset, file.data() + 10);
+    qToLittleEndian<quint32>(40, file.data() + 14);
+    qToLittleEndian<qint32>(4, file.data() + 18);
+    qToLittleEndian<qint32>(2, file.data() + 22);
+    qToLittleEndian<quint16>(1, file.data() + 26);
+    qToLittleEndian<quint16>(static_cast<quint16>(bits), file.data() + 28);
+    qToLittleEndian<quint32>(bits <= 8 ? static_cast<quint32>(palette.size()) : 0, file.data() + 46);
+    return file + paletteBytes + pixels;
+}
+
+class ImageCommandTest : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        host.projectPath = dir.path();
+        host.Declare("Ergebnis", g_NumberType);
+        CurrentImage::replace({});
+    }
+    QString Path(const QString& name) const { return dir.filePath(name); }
+    void Capture(const QString& device) { Run<TDVCmdImageCapture>({{"Device", device}}); }
+    void Load(const QString& file) { Run<TDVCmdImageLoad>({{"File", file}}); }
+    void Save(const QString& file) { Run<TDVCmdImageSave>({{"File", file}}); }
+    double Eval(std::initializer_list<std::pair<QString, QString>> params)
+    {
+        Run<TDVCmdImageEvaluation>(params, {{"Result", "Ergebnis"}});
+        return host.ValueText("Ergebnis").toDouble();
+    }
+    template <class Command>
+    void Run(std::initializer_list<std::pair<QString, QString>> rows, std::initializer_list<std::pair<QString, QString>> more = {})
+    {
+        Command command(&host);
+        TParamList params;
+        for (const auto& [name, text] : rows) params.AddString(name, text);
+        for (const auto& [name, text] : more) params.AddString(name, text);
+        command.Run(params);
+    }
+
+    QTemporaryDir dir;
+    TTestHost host;
+};
+
+TEST_F(ImageCommandTest, BitmapsOfEveryDepthLoadAsTwentyFourBit)
+{
+    for (int bits : {1, 4, 8, 16, 24, 32}) {
+        const QString file = Path(QStringLiteral("depth%1.bmp").arg(bits));
+        QFile out(file);
+        ASSERT_TRUE(out.open(QIODevice::WriteOnly));
+        out.write(Bmp(bits));
+        out.close();
+        Load(file);
+        const QImage image = CurrentImage::snapshot();
+        EXPECT_EQ(image.format(), QImage::Format_RGB888) << bits;
+        ASSERT_EQ(image.size(), QSize(4, 2)) << bits;
+        // 16 bits hold 5 bits a channel: the full value 31 is read back as 31 << 3.
+        const int full = bits == 16 ? 31 << 3 : 255;
+        EXPECT_EQ(image.pixel(0, 1), qRgb(0, 0, 0)) << bits;
+        EXPECT_EQ(image.pixel(3, 0), qRgb(full, full, full)) << bits;
+        if (bits > 1) {
+            EXPECT_EQ(image.pixel(0, 0), qRgb(full, 0, 0)) << bits;
+            EXPECT_EQ(image.pixel(1, 0), qRgb(0, full, 0)) << bits;
+            EXPECT_EQ(image.pixel(3, 1), qRgb(0, 0, full)) << bits;
+        }
+    }
+}
+
+TEST_F(ImageCommandTest, FileErrorsNameTheFileAndKeepWhatWasThere)
+{
+    EXPECT_TRUE(Failure([&] { Save(Path("a.bmp")); }).contains("kein aktuelles Bild"));
+    EXPECT_TRUE(Failure([&] { Load(Path("fehlt.bmp")); }).contains(Path("fehlt.bmp")));
+    QFile junk(Path("kaputt.bmp"));
+    ASSERT_TRUE(junk.open(QIODevice::WriteOnly));
+    junk.write("BM kein Bild");
+    junk.close();
+    Capture("pattern:grey");
+    EXPECT_TRUE(Failure([&] { Load(Path("kaputt.bmp")); }).contains("kaputt.bmp"));
+    EXPECT_EQ(CurrentImage::snapshot().size(), QSize(640, 480));  // the failed load changed nothing
+    EXPECT_TRUE(Failure([&] { Save(Path("kein/ordner/a.bmp")); }).contains("kann nicht geschrieben werden"));
+}
+
+TEST_F(ImageCommandTest, SavedCopyComparesAt100AndTheProjectPlaceholderResolves)
+{
+    Capture("pattern:bars");
+    Save("%PROJEKTPFAD%/bars.bmp");
+    EXPECT_EQ(Eval({{"File", Path("bars.bmp")}}), 100.0);
+    EXPECT_EQ(Eval({{"File", "%PROJEKTPFAD%/bars.bmp"}, {"CompareMax", "True"}, {"Displacement", "3"}}), 100.0);
+    Run<TDVCmdImageChange>({{"Brightness", "5"}});
+    EXPECT_LT(Eval({{"File", Path("bars.bmp")}}), 100.0);
+    Load(Path("bars.bmp"));
+    EXPECT_EQ(Eval({{"File", Path("bars.bmp")}, {"Rect", "{0}{0}{10}{10}"}}), 100.0);
+    EXPECT_TRUE(Failure([&] { Eval({{"File", Path("bars.bmp")}, {"Displacement", "viel"}}); }).contains("viel"));
+}
+
+TEST_F(ImageCommandTest, CoverageOfACheckerboardArea)
+{
+    Capture("pattern:checker");
+    EXPECT_DOUBLE_EQ(Eval({{"Coverage", "True"}, {"Rect", "[0, 0, 80, 80]"}}), 50.0);
+    EXPECT_DOUBLE_EQ(Eval({{"Coverage", "True"}, {"Rect", "[0, 0, 40, 40]"}}), 0.0);  // one white square
+}
+
+TEST_F(ImageCommandTest, ChangeReachesTheTargetMeanInLinearLight)
+{
+    struct Row {
+        const char* device;
+        const char* brightness;
+        const char* rect;
+        bool grey;
+    };
+    const Row rows[] = {
+        {"pattern:bars", "21.4", "", false},  {"pattern:bars", "60", "[0, 0, 320, 240]", false},
+        {"pattern:bars", "5", "", true},      {"pattern:grey", "90", "[600, 400, 100, 100]", false},
+        {"pattern:bars", "60", "", false},  // saturated bars: only clipping gets there
+    };
+    for (const Row& r : rows) {
+        Capture(r.device);
+        Run<TDVCmdImageChange>({{"Brightness", r.brightness}, {"Rect", r.rect}, {"GreyScale", r.grey ? "True" : "False"}});
+        const QImage image = CurrentImage::snapshot();
+        const QRect area = QString(r.rect).isEmpty() ? image.rect() : image::ClipTo(*image::RectOfText(r.rect), image.size());
+        const double target = QString(r.brightness).toDouble() / 100;
+        EXPECT_NEAR(image::MeanLuminance(image, area), target, 0.005 * target) << r.device << " " << r.brightness;
+        if (r.grey) {
+            const QRgb p = image.pixel(10, 10);
+            EXPECT_TRUE(qRed(p) == qGreen(p) && qGreen(p) == qBlue(p)) << r.device;
+        }
+    }
+    // Half black, half white cannot reach 80 %: the white stays white, the black black.
+    Capture("pattern:checker");
+    Run<TDVCmdImageChange>({{"Brightness", "80"}});
+    EXPECT_DOUBLE_EQ(image::MeanLuminance(CurrentImage::snapshot(), QRect(0, 0, 640, 480)), 0.5);
+    // Outside the area nothing changed; a black area stays black; bad brightness is refused.
+    Capture("pattern:grey");
+    const QRgb before = CurrentImage::snapshot().pixel(0, 0);
+    Run<TDVCmdImageChange>({{"Brightness", "80"}, {"Rect", "[100, 100, 10, 10]"}});
+    EXPECT_EQ(CurrentImage::snapshot().pixel(0, 0), before);
+    Capture("pattern:checker");
+    Run<TDVCmdImageChange>({{"Brightness", "50"}, {"Rect", "[40, 0, 40, 40]"}});  // a black square
+    EXPECT_EQ(CurrentImage::snapshot().pixel(50, 10), qRgb(0, 0, 0));
+    EXPECT_TRUE(Failure([&] { Run<TDVCmdImageChange>({{"Brightness", "120"}}); }).contains("120"));
+}
+
+TEST_F(ImageCommandTest, CaptureFromFilesAndPatterns)
+{
+    Capture("pattern:checker");
+    Save(Path("checker.bmp"));
+    Capture("pattern:bars");
+    Capture("file:%PROJEKTPFAD%/checker.bmp");
+    EXPECT_EQ(CurrentImage::snapshot().pixel(45, 5), qRgb(0, 0, 0));
+    EXPECT_EQ(CurrentImage::snapshot().pixel(5, 5), qRgb(255, 255, 255));
+    Capture("pattern:checker@5,-3");
+    EXPECT_EQ(CurrentImage::snapshot().pixel(44, 5), qRgb(255, 255, 255));  // the edge moved right by 5
+    EXPECT_EQ(CurrentImage::snapshot().pixel(4, 36), qRgb(0, 0, 0));       // and up by 3
+    EXPECT_TRUE(Failure([&] { Capture("pattern:zebra"); }).contains("bars, grey, checker"));
+    EXPECT_TRUE(Failure([&] { Capture("file:" + Path("fehlt.bmp")); }).contains("fehlt.bmp"));
+    EXPECT_TRUE(Failure([&] { Run<TDVCmdImageCapture>({{"Device", "pattern:bars"}, {"Exposure", "-1"}}); }).contains("-1"));
+}
+
+TEST_F(ImageCommandTest, EvalShowsAFourNumberRectInTheDialogForm)
+{
+    TDVCmdImageEvaluation command(&host);
+    TParamList out;
+    command.SetParams(MakeParams({{"Rect", "{1}{2}{3}{4}"}, {"Result", "Ergebnis"}}));
+    command.ReadParams(out);
+    EXPECT_EQ(out.GetString("Rect"), "[1, 2, 3, 4]");
+    command.SetParams(MakeParams({{"Rect", "[1, 2]"}}));
+    command.ReadParams(out);
+    EXPECT_EQ(out.GetString("Rect"), "[1, 2]");  // not four numbers: kept as written
+}
+
+TEST(PortableFileTextTest, TheProjectFolderBecomesThePlaceholder)
+{
+    const std::tuple<const char*, const char*, const char*> rows[] = {
+        {"/p/projekt/bilder/a.bmp", "/p/projekt", "\"%PROJEKTPFAD%/bilder/a.bmp\""},
+        {"/p/projekt2/a.bmp", "/p/projekt", "\"/p/projekt2/a.bmp\""},
+        {"/p/projekt/a.bmp", "/p/projekt/", "\"%PROJEKTPFAD%/a.bmp\""},
+        {"/x/a.bmp", "", "\"/x/a.bmp\""},
+    };
+    for (const auto& [path, folder, text] : rows) EXPECT_EQ(image::PortableFileText(path, folder), text) << path;
+}
+
+}  // namespace
+}  // namespace dv
