@@ -3,6 +3,8 @@
 #include "framework/exceptions.h"
 #include "host/junit.h"
 #include "workbench/calledit.h"
+#include "workbench/convertpreview.h"
+#include "workbench/findreplace.h"
 #include "workbench/laborwindow.h"
 #include "workbench/palette.h"
 #include "workbench/scriptcheck.h"
@@ -62,7 +64,8 @@ TMainWindow::TMainWindow(QWidget* parent)
       labor_(new TLaborWindow(this)),
       log_(MakeTable("RunLog", {QStringLiteral("Zeit"), QStringLiteral("Zeile"), QStringLiteral("Meldung"), QStringLiteral("Stufe")}, this)),
       variables_(MakeTable("Variables", {QStringLiteral("Name"), QStringLiteral("Typ"), QStringLiteral("Wert")}, this)),
-      verdict_(new QLabel)
+      verdict_(new QLabel),
+      findBar_(new TFindReplaceBar(*editor_))
 {
     setObjectName(QStringLiteral("Workbench"));
     editServices_.Install();
@@ -83,10 +86,12 @@ TMainWindow::TMainWindow(QWidget* parent)
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(verdict_);
     layout->addWidget(editor_);
+    layout->addWidget(findBar_);
     setCentralWidget(centre);
 
     BuildActions();
     BuildDocks();
+    SetRecentFiles({});
     connect(palette_, &TCommandPalette::InsertRequested, this, &TMainWindow::InsertCommand);
     connect(&editServices_, &TGuiServices::StatusTextChanged, statusBar(), [this](const QString& t) { statusBar()->showMessage(t); });
     pollTimer_.setInterval(kPollMs);
@@ -122,6 +127,7 @@ void TMainWindow::BuildActions()
                                                           QStringLiteral("Skripte (*.dvs)"));
         if (!path.isEmpty()) SaveFile(path);
     };
+    recentMenu_ = file->addMenu(QStringLiteral("&Zuletzt geöffnet"));
     file->addAction(QStringLiteral("&Speichern"), QKeySequence::Save, this, [this, saveAs] {
         if (fileName_.isEmpty()) saveAs();
         else SaveFile(fileName_);
@@ -143,6 +149,8 @@ void TMainWindow::BuildActions()
     QMenu* edit = menuBar()->addMenu(QStringLiteral("&Bearbeiten"));
     QAction* editLine = edit->addAction(QStringLiteral("Befehl &bearbeiten"), this, &TMainWindow::EditCurrentLine);
     editLine->setShortcut(Qt::Key_F2);
+    edit->addAction(QStringLiteral("&Suchen und ersetzen"), QKeySequence::Find, findBar_, &TFindReplaceBar::Open);
+    edit->addAction(QStringLiteral("Ältere Zeilen &umsetzen..."), this, &TMainWindow::ConvertOlderLines);
 
     QMenu* test = menuBar()->addMenu(QStringLiteral("&Test"));
     runAction_ = test->addAction(QStringLiteral("&Ausführen"), this, &TMainWindow::Run);
@@ -181,6 +189,33 @@ bool TMainWindow::OpenFile(const QString& path)
     editor_->document()->setModified(false);
     editor_->CheckNow();
     UpdateTitle();
+    QStringList recent = recent_;
+    recent.removeAll(fileName_);
+    recent.prepend(fileName_);
+    SetRecentFiles(recent);
+    return true;
+}
+
+void TMainWindow::SetRecentFiles(const QStringList& files)
+{
+    recent_ = files.mid(0, kMaxRecentFiles);
+    recentMenu_->clear();
+    for (const QString& path : recent_) {
+        recentMenu_->addAction(QFileInfo(path).fileName(), this, [this, path] { OpenFile(path); })->setToolTip(path);
+    }
+    recentMenu_->setEnabled(!recent_.isEmpty());
+}
+
+bool TMainWindow::ConvertOlderLines()
+{
+    if (session_) return false;
+    TConvertPreview preview(editor_->toPlainText(), editHost_.Commands(), this);
+    if (preview.exec() != QDialog::Accepted || preview.ChangedLines() == 0) return false;
+    // One edit, so one undo brings the older lines back.
+    QTextCursor all(editor_->document());
+    all.select(QTextCursor::Document);
+    all.insertText(preview.Converted());
+    editor_->CheckNow();
     return true;
 }
 

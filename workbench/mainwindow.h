@@ -16,12 +16,14 @@
 class QLabel;
 class QTreeWidget;
 class QAction;
+class QMenu;
 
 namespace dv::workbench {
 
 class TScriptEditor;
 class TCommandPalette;
 class TLaborWindow;
+class TFindReplaceBar;
 
 class TMainWindow final : public QMainWindow {
     Q_OBJECT
@@ -54,6 +56,13 @@ public:
     // Palette and editor: a new command at the cursor, or the command of the current line edited.
     bool InsertCommand(const QString& commandClass);
     bool EditCurrentLine();
+    // The older lines converted after a preview; false when cancelled or nothing to convert.
+    bool ConvertOlderLines();
+    TFindReplaceBar& FindBar() { return *findBar_; }
+    // Most recent first; the program keeps them between sessions.
+    void SetRecentFiles(const QStringList& files);
+    const QStringList& RecentFiles() const { return recent_; }
+    static constexpr int kMaxRecentFiles = 8;
 
 signals:
     void RunFinished();
@@ -84,6 +93,9 @@ private:
     QTreeWidget* log_;
     QTreeWidget* variables_;
     QLabel* verdict_;
+    TFindReplaceBar* findBar_;
+    QMenu* recentMenu_ = nullptr;
+    QStringList recent_;
     QAction* runAction_ = nullptr;
     QAction* stopAction_ = nullptr;
     QString fileName_;

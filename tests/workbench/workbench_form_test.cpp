@@ -3,6 +3,7 @@
 #include "commands/system/platform_process.h"
 #include "tests/commands/formdriver.h"
 #include "workbench/calledit.h"
+#include "workbench/findreplace.h"
 #include "workbench/highlighter.h"
 #include "workbench/laborwindow.h"
 #include "workbench/mainwindow.h"
@@ -247,6 +248,67 @@ TEST_F(WorkbenchTest, TextOutputAndTheLaborCommandsReachTheLaborWindow)
     SetScript("HideLabor");
     RunToEnd();
     EXPECT_FALSE(window.Labor().isVisible());
+}
+
+QString ReadText(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+}
+
+TEST_F(WorkbenchTest, OlderLinesAreConvertedAsDvrunConvertsThemAfterThePreviewAndCancelKeepsThem)
+{
+    ASSERT_TRUE(window.OpenFile(DV_TEST_DATA_DIR "/examples/older_lines.dvs"));
+    const QString original = window.Editor().toPlainText();
+    int listed = 0;
+    OnModal("ConvertPreview", [&](QWidget& d) {
+        listed = dv::test::Find<QTreeWidget>(d, "Changes").topLevelItemCount();
+        static_cast<QDialog&>(d).reject();
+    });
+    EXPECT_FALSE(window.ConvertOlderLines());
+    EXPECT_GT(listed, 5);
+    EXPECT_EQ(window.Editor().toPlainText(), original);
+
+    OnModal("ConvertPreview", [](QWidget& d) { Click(d, "BT_OK"); });
+    ASSERT_TRUE(window.ConvertOlderLines());
+    EXPECT_EQ(window.Editor().toPlainText(), ReadText(DV_TEST_DATA_DIR "/examples/older_lines.expected"));
+    window.Editor().undo();
+    EXPECT_EQ(window.Editor().toPlainText(), original);
+}
+
+TEST_F(WorkbenchTest, ReplaceAllIsOneUndoStepAndFindWrapsAround)
+{
+    SetScript("Log(Wert)\nLog(wert + 1)\nLog(\"x\")");
+    TFindReplaceBar& bar = window.FindBar();
+    Type(bar, "Edit_Find", "wert");
+    Type(bar, "Edit_Replace", "Spannung");
+    window.Editor().GoToLine(3);
+    ASSERT_TRUE(bar.FindNext());  // past the last match: wraps to the first
+    EXPECT_EQ(window.Editor().textCursor().blockNumber(), 0);
+    EXPECT_EQ(bar.ReplaceAll(), 2);
+    EXPECT_EQ(window.Editor().toPlainText(), "Log(Spannung)\nLog(Spannung + 1)\nLog(\"x\")");
+    window.Editor().undo();
+    EXPECT_EQ(window.Editor().toPlainText(), "Log(Wert)\nLog(wert + 1)\nLog(\"x\")");
+    Click(bar, "CB_CaseSensitive");
+    EXPECT_EQ(bar.ReplaceAll(), 1);
+}
+
+TEST_F(WorkbenchTest, SavedScriptOpensAgainAndHeadsTheRecentFiles)
+{
+    const QString first = folder.filePath("eins.dvs");
+    const QString second = folder.filePath("zwei.dvs");
+    SetScript("Log(\"eins\")");
+    ASSERT_TRUE(window.SaveFile(first));
+    SetScript("Log(\"zwei\")");
+    ASSERT_TRUE(window.SaveFile(second));
+    EXPECT_FALSE(window.SaveFile(folder.filePath("fehlt/drei.dvs")));
+    ASSERT_TRUE(window.OpenFile(first));
+    EXPECT_EQ(window.Editor().toPlainText(), "Log(\"eins\")");
+    ASSERT_TRUE(window.OpenFile(second));
+    ASSERT_TRUE(window.OpenFile(first));
+    EXPECT_EQ(window.RecentFiles(), QStringList({first, second}));
+    EXPECT_FALSE(window.OpenFile(folder.filePath("fehlt.dvs")));
+    EXPECT_EQ(window.FileName(), first);
 }
 
 TEST(ScriptHighlighter, ColoursWhatTheTokenizerReads)
