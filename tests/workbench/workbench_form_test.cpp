@@ -11,10 +11,12 @@
 #include "workbench/runlog.h"
 #include "workbench/scripteditor.h"
 
+#include <QCompleter>
 #include <QDialog>
 #include <QElapsedTimer>
 #include <QLabel>
 #include <QSignalSpy>
+#include <QStringListModel>
 #include <QTemporaryDir>
 #include <QTextBlock>
 #include <QTextEdit>
@@ -36,6 +38,12 @@ bool WaitFor(const std::function<bool()>& pred, int ms)
     timer.start();
     while (!pred() && timer.elapsed() < ms) QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
     return pred();
+}
+
+QString ReadText(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
 }
 
 class WorkbenchTest : public ::testing::Test {
@@ -81,7 +89,12 @@ TEST_F(WorkbenchTest, PaletteInsertsATcpCallWrittenFromItsDialogWithNamedArgumen
 {
     SetScript("var Antwort : String\n\nLog(Antwort)");
     window.Editor().GoToLine(2);
-    OnModal("TFormTCP", [](QWidget& d) {
+    QStringList offered;
+    OnModal("TFormTCP", [&offered](QWidget& d) {
+        const QCompleter* completer = dv::test::Find<QLineEdit>(d, "DVEdit_Result").completer();
+        if (const auto* names = completer ? qobject_cast<QStringListModel*>(completer->model()) : nullptr) {
+            offered = names->stringList();
+        }
         Type(d, "DVEdit_Host", "\"127.0.0.1\"");
         Type(d, "DVEdit_Port", "5000");
         Type(d, "DVEdit_Send", "\"PING\"");
@@ -95,6 +108,7 @@ TEST_F(WorkbenchTest, PaletteInsertsATcpCallWrittenFromItsDialogWithNamedArgumen
     EXPECT_EQ(window.Editor().LineText(2),
               "TCP(Host := \"127.0.0.1\", Port := 5000, Send := \"PING\", Sentinel := [10], Result := Antwort);");
     EXPECT_EQ(window.Editor().LineText(3), "Log(Antwort)");
+    EXPECT_EQ(offered, QStringList({"PROJEKTPFAD", "Antwort"})) << "the dialog offers the declared variables";
     window.Editor().CheckNow();
     EXPECT_TRUE(window.Editor().LastCheck().errors.empty()) << "the written line must read back as a call";
 }
@@ -185,19 +199,38 @@ TEST_F(WorkbenchTest, StopEndsAScriptBlockedInALongExecAndMarksItsLineMeanwhile)
 {
     SetScript("Log(\"vor Exec\")\nExec(ExePath := \"sleep\", Params := \"30\", TimeOut := -1)\nLog(\"nach Exec\")");
     QSignalSpy finished(&window, &TMainWindow::RunFinished);
-    window.Run();
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    QTest::keyClick(&window.Editor(), Qt::Key_F5);
     ASSERT_TRUE(window.IsRunning());
     EXPECT_TRUE(WaitFor([&] { return window.Editor().RunningLine() == 2; }, 5000)) << window.Editor().RunningLine();
     EXPECT_TRUE(window.Editor().isReadOnly());
     QElapsedTimer stopping;
     stopping.start();
-    window.Stop();
+    QTest::keyClick(&window.Editor(), Qt::Key_F5, Qt::ShiftModifier);
     ASSERT_TRUE(WaitFor([&] { return !finished.isEmpty(); }, 10000));
     EXPECT_LT(stopping.elapsed(), 5000);  // far from the 30 s the program would take
     EXPECT_TRUE(window.Verdict().text().contains("Test abgebrochen")) << window.Verdict().text().toStdString();
     EXPECT_FALSE(LogRows().join('\n').contains("nach Exec"));
     EXPECT_EQ(window.Editor().RunningLine(), 0);
     EXPECT_FALSE(window.Editor().isReadOnly());
+}
+
+TEST_F(WorkbenchTest, VariablesViewFollowsARunningLoop)
+{
+    SetScript("var I : Number\nwhile True do\n  I := I + 1\nend while");
+    QSignalSpy finished(&window, &TMainWindow::RunFinished);
+    window.Run();
+    auto counted = [&] {
+        const auto found = window.Variables().findItems("I", Qt::MatchExactly, 0);
+        return !found.isEmpty() && found.first()->text(2).toDouble() > 0;
+    };
+    EXPECT_TRUE(WaitFor(counted, 5000)) << "no live value while the loop runs";
+    EXPECT_TRUE(window.IsRunning());
+    EXPECT_EQ(window.Editor().RunningLine(), 3);
+    window.Stop();
+    ASSERT_TRUE(WaitFor([&] { return !finished.isEmpty(); }, 10000));
+    EXPECT_TRUE(window.Verdict().text().contains("Test abgebrochen"));
 }
 
 TEST_F(WorkbenchTest, SyntaxErrorIsUnderlinedAtItsLineAfterTypingPauses)
@@ -245,15 +278,12 @@ TEST_F(WorkbenchTest, TextOutputAndTheLaborCommandsReachTheLaborWindow)
     RunToEnd();
     EXPECT_TRUE(window.Labor().isVisible());
     EXPECT_TRUE(window.Labor().Document().toPlainText().contains("Hallo Labor"));
+    const QString pdf = folder.filePath("labor.pdf");
+    ASSERT_TRUE(window.Labor().ExportPdf(pdf));
+    EXPECT_TRUE(ReadText(pdf).startsWith("%PDF"));
     SetScript("HideLabor");
     RunToEnd();
     EXPECT_FALSE(window.Labor().isVisible());
-}
-
-QString ReadText(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
 }
 
 TEST_F(WorkbenchTest, OlderLinesAreConvertedAsDvrunConvertsThemAfterThePreviewAndCancelKeepsThem)
