@@ -210,6 +210,7 @@ TEST_F(WorkbenchTest, StopEndsAScriptBlockedInALongExecAndMarksItsLineMeanwhile)
     QTest::keyClick(&window.Editor(), Qt::Key_F5, Qt::ShiftModifier);
     ASSERT_TRUE(WaitFor([&] { return !finished.isEmpty(); }, 10000));
     EXPECT_LT(stopping.elapsed(), 5000);  // far from the 30 s the program would take
+    RecordProperty("stop_ms", static_cast<int>(stopping.elapsed()));
     EXPECT_TRUE(window.Verdict().text().contains("Test abgebrochen")) << window.Verdict().text().toStdString();
     EXPECT_FALSE(LogRows().join('\n').contains("nach Exec"));
     EXPECT_EQ(window.Editor().RunningLine(), 0);
