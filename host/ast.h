@@ -22,6 +22,16 @@ public:
     virtual void RecordFailedCheck(int line, const QString& text) = 0;
 };
 
+struct TExec;
+
+// Told of each statement before it runs, on the interpreter's thread (a host that shows the running
+// line or the live variables); it must return quickly.
+class IStatementObserver {
+public:
+    virtual ~IStatementObserver() = default;
+    virtual void BeforeStatement(const TExec& ex, int line) = 0;
+};
+
 // Raised when the run's stop event is set; ends the run without being a script error.
 struct TRunStopped {};
 
@@ -39,6 +49,7 @@ struct TExec {
     int depth = 0;  // procedure call depth
     const TRunControl* runControl = nullptr;
     IRunHooks* hooks = nullptr;
+    IStatementObserver* observer = nullptr;  // nullptr: nobody watches (dvrun)
     // Starting values given on the command line, by global slot; they replace a declaration's own.
     const QHash<int, TVal>* defines = nullptr;
     TLimits limits;
@@ -96,6 +107,7 @@ struct TBlock {
     void Exec(TExec& ex) const
     {
         for (const TStmtPtr& s : statements) {
+            if (ex.observer) ex.observer->BeforeStatement(ex, s->Line());
             if (ex.StopRequested()) {
                 ex.line = s->Line();  // a stop names the statement it did not run
                 throw TRunStopped{};

@@ -1,0 +1,391 @@
+// The workbench driven through its widgets: calls written and re-edited through the commands'
+// dialogs, scripts run and stopped, and what the log, the verdict and the variables show after.
+#include "commands/system/platform_process.h"
+#include "tests/commands/formdriver.h"
+#include "workbench/calledit.h"
+#include "workbench/findreplace.h"
+#include "workbench/highlighter.h"
+#include "workbench/laborwindow.h"
+#include "workbench/mainwindow.h"
+#include "workbench/palette.h"
+#include "workbench/runlog.h"
+#include "workbench/scripteditor.h"
+
+#include <QCompleter>
+#include <QDialog>
+#include <QElapsedTimer>
+#include <QLabel>
+#include <QSignalSpy>
+#include <QStringListModel>
+#include <QTemporaryDir>
+#include <QTextBlock>
+#include <QTextEdit>
+#include <QTreeWidget>
+
+#include <gtest/gtest.h>
+
+namespace dv::workbench {
+namespace {
+
+using dv::test::Click;
+using dv::test::OnModal;
+using dv::test::Type;
+
+// Lets the event loop run until pred holds or ms have passed; pred's last answer.
+bool WaitFor(const std::function<bool()>& pred, int ms)
+{
+    QElapsedTimer timer;
+    timer.start();
+    while (!pred() && timer.elapsed() < ms) QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+    return pred();
+}
+
+QString ReadText(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+}
+
+class WorkbenchTest : public ::testing::Test {
+protected:
+    WorkbenchTest()
+    {
+        SetProgramOutputFolder(folder.path());
+        window.show();
+    }
+
+    void SetScript(const QString& text)
+    {
+        window.Editor().setPlainText(text);
+        window.Editor().CheckNow();
+    }
+    void RunToEnd()
+    {
+        QSignalSpy finished(&window, &TMainWindow::RunFinished);
+        window.Run();
+        ASSERT_TRUE(WaitFor([&] { return !finished.isEmpty(); }, 20000)) << "the run did not end";
+    }
+    // The log rows as "line|message|level".
+    QStringList LogRows()
+    {
+        QStringList rows;
+        for (int i = 0; i < window.Log().topLevelItemCount(); ++i) {
+            const QTreeWidgetItem* item = window.Log().topLevelItem(i);
+            rows << item->text(1) + '|' + item->text(2) + '|' + item->text(3);
+        }
+        return rows;
+    }
+    QString VariableValue(const QString& name)
+    {
+        const auto found = window.Variables().findItems(name, Qt::MatchExactly, 0);
+        return found.isEmpty() ? QStringLiteral("<fehlt>") : found.first()->text(1) + ' ' + found.first()->text(2);
+    }
+
+    QTemporaryDir folder;
+    TMainWindow window;
+};
+
+TEST_F(WorkbenchTest, PaletteInsertsATcpCallWrittenFromItsDialogWithNamedArguments)
+{
+    SetScript("var Antwort : String\n\nLog(Antwort)");
+    window.Editor().GoToLine(2);
+    QStringList offered;
+    OnModal("TFormTCP", [&offered](QWidget& d) {
+        const QCompleter* completer = dv::test::Find<QLineEdit>(d, "DVEdit_Result").completer();
+        if (const auto* names = completer ? qobject_cast<QStringListModel*>(completer->model()) : nullptr) {
+            offered = names->stringList();
+        }
+        Type(d, "DVEdit_Host", "\"127.0.0.1\"");
+        Type(d, "DVEdit_Port", "5000");
+        Type(d, "DVEdit_Send", "\"PING\"");
+        Type(d, "DVEdit_Result", "Antwort");
+        Click(d, "BT_OK");
+    });
+    TCommandPalette& palette = window.Palette();
+    palette.setCurrentItem(palette.ItemOf("TCP"));
+    QTest::keyClick(&palette, Qt::Key_Return);
+    // The untouched sentinel keeps its default; as it is not trailing, it is written out.
+    EXPECT_EQ(window.Editor().LineText(2),
+              "TCP(Host := \"127.0.0.1\", Port := 5000, Send := \"PING\", Sentinel := [10], Result := Antwort);");
+    EXPECT_EQ(window.Editor().LineText(3), "Log(Antwort)");
+    EXPECT_EQ(offered, QStringList({"PROJEKTPFAD", "Antwort"})) << "the dialog offers the declared variables";
+    window.Editor().CheckNow();
+    EXPECT_TRUE(window.Editor().LastCheck().errors.empty()) << "the written line must read back as a call";
+}
+
+TEST_F(WorkbenchTest, PaletteShowsCommandsThatAreNotBuiltDisabled)
+{
+    const QTreeWidgetItem* tcp = window.Palette().ItemOf("TCP");
+    const QTreeWidgetItem* box = window.Palette().ItemOf("MeldungsBox");
+    ASSERT_TRUE(tcp && box);
+    EXPECT_EQ(tcp->parent()->text(0), "System");
+    EXPECT_EQ(box->parent()->text(0), "Dialoge");
+    EXPECT_TRUE(tcp->flags() & Qt::ItemIsEnabled);
+    EXPECT_FALSE(box->flags() & Qt::ItemIsEnabled);
+}
+
+TEST_F(WorkbenchTest, EditingALineAndCancellingChangesNothingWhileOkRewritesItInPlace)
+{
+    const QString line = "    TCP(Host:=\"h\",Port:=1,Send:=\"x\",Result:=Antwort)";
+    SetScript("var Antwort : String\n" + line);
+    window.Editor().GoToLine(2);
+    OnModal("TFormTCP", [](QWidget& d) {
+        EXPECT_EQ(dv::test::Find<QLineEdit>(d, "DVEdit_Host").text(), "\"h\"");
+        Type(d, "DVEdit_Port", "99");
+        static_cast<QDialog&>(d).reject();
+    });
+    EXPECT_FALSE(window.EditCurrentLine());
+    EXPECT_EQ(window.Editor().LineText(2), line);
+
+    OnModal("TFormTCP", [](QWidget& d) {
+        Type(d, "DVEdit_Port", "99");
+        Click(d, "BT_OK");
+    });
+    const QRect lineRect = window.Editor().cursorRect(QTextCursor(window.Editor().document()->findBlockByNumber(1)));
+    QTest::mouseDClick(window.Editor().viewport(), Qt::LeftButton, {}, lineRect.center() + QPoint(40, 0));
+    EXPECT_EQ(window.Editor().LineText(2),
+              "    TCP(Host := \"h\", Port := 99, Send := \"x\", Sentinel := [10], Result := Antwort);");
+}
+
+TEST_F(WorkbenchTest, CallLineShowsTheCommandsDescriptionAndOtherLinesNone)
+{
+    const QString description = DescribeLine("ArrayToStr(Str := S, Arr := A);", window.Commands());
+    EXPECT_TRUE(description.contains(">>A<<")) << description.toStdString();
+    EXPECT_TRUE(DescribeLine("Log(1)", window.Commands()).isEmpty());
+}
+
+TEST_F(WorkbenchTest, PassingRunShowsItsVerdictAndLogLines)
+{
+    SetScript("var U : Number = 4.98\nLog(\"Spannung \" + U)\nCheck(U > 4.9, \"zu klein\")");
+    RunToEnd();
+    EXPECT_TRUE(window.Verdict().isVisible());
+    EXPECT_TRUE(window.Verdict().text().startsWith("Bestanden")) << window.Verdict().text().toStdString();
+    EXPECT_TRUE(LogRows().contains("2|Spannung 4.98|Info")) << LogRows().join('\n').toStdString();
+    ASSERT_TRUE(window.LastReport());
+    EXPECT_EQ(window.LastReport()->exitCode, 0);
+}
+
+TEST_F(WorkbenchTest, FailingRunNamesTheFailedCheckAndTheLogJumpsToItsLine)
+{
+    SetScript("var U : Number = 4.5\nLog(U)\nCheck(U > 4.9, \"zu klein\")\nLog(\"weiter\")");
+    RunToEnd();
+    EXPECT_TRUE(window.Verdict().text().startsWith("Fehlgeschlagen"));
+    EXPECT_TRUE(window.Verdict().text().contains("unbenannt.dvs:3: Prüfung fehlgeschlagen: zu klein"))
+        << window.Verdict().text().toStdString();
+    // A failed check does not end the run.
+    EXPECT_TRUE(LogRows().contains("4|weiter|Info"));
+    QTreeWidgetItem* failure = nullptr;
+    for (int i = 0; i < window.Log().topLevelItemCount() && !failure; ++i) {
+        if (window.Log().topLevelItem(i)->text(3) == "Fehler") failure = window.Log().topLevelItem(i);
+    }
+    ASSERT_NE(failure, nullptr) << LogRows().join('\n').toStdString();
+    EXPECT_EQ(failure->text(1), "3");
+    window.Editor().GoToLine(1);
+    const QRect row = window.Log().visualItemRect(failure);
+    QTest::mouseClick(window.Log().viewport(), Qt::LeftButton, {}, row.center());
+    EXPECT_EQ(window.Editor().CurrentLine(), 3);
+
+    QTemporaryDir dir;
+    const QString junit = dir.filePath("bericht.xml");
+    ASSERT_TRUE(window.ExportJUnit(junit));
+    QFile report(junit);
+    ASSERT_TRUE(report.open(QIODevice::ReadOnly));
+    const QString xml = QString::fromUtf8(report.readAll());
+    EXPECT_TRUE(xml.contains("<failure")) << xml.toStdString();
+    EXPECT_TRUE(xml.contains("zu klein"));
+}
+
+TEST_F(WorkbenchTest, StopEndsAScriptBlockedInALongExecAndMarksItsLineMeanwhile)
+{
+    SetScript("Log(\"vor Exec\")\nExec(ExePath := \"sleep\", Params := \"30\", TimeOut := -1)\nLog(\"nach Exec\")");
+    QSignalSpy finished(&window, &TMainWindow::RunFinished);
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    QTest::keyClick(&window.Editor(), Qt::Key_F5);
+    ASSERT_TRUE(window.IsRunning());
+    EXPECT_TRUE(WaitFor([&] { return window.Editor().RunningLine() == 2; }, 5000)) << window.Editor().RunningLine();
+    EXPECT_TRUE(window.Editor().isReadOnly());
+    QElapsedTimer stopping;
+    stopping.start();
+    QTest::keyClick(&window.Editor(), Qt::Key_F5, Qt::ShiftModifier);
+    ASSERT_TRUE(WaitFor([&] { return !finished.isEmpty(); }, 10000));
+    EXPECT_LT(stopping.elapsed(), 5000);  // far from the 30 s the program would take
+    RecordProperty("stop_ms", static_cast<int>(stopping.elapsed()));
+    EXPECT_TRUE(window.Verdict().text().contains("Test abgebrochen")) << window.Verdict().text().toStdString();
+    EXPECT_FALSE(LogRows().join('\n').contains("nach Exec"));
+    EXPECT_EQ(window.Editor().RunningLine(), 0);
+    EXPECT_FALSE(window.Editor().isReadOnly());
+}
+
+TEST_F(WorkbenchTest, VariablesViewFollowsARunningLoop)
+{
+    SetScript("var I : Number\nwhile True do\n  I := I + 1\nend while");
+    QSignalSpy finished(&window, &TMainWindow::RunFinished);
+    window.Run();
+    auto counted = [&] {
+        const auto found = window.Variables().findItems("I", Qt::MatchExactly, 0);
+        return !found.isEmpty() && found.first()->text(2).toDouble() > 0;
+    };
+    EXPECT_TRUE(WaitFor(counted, 5000)) << "no live value while the loop runs";
+    EXPECT_TRUE(window.IsRunning());
+    EXPECT_EQ(window.Editor().RunningLine(), 3);
+    window.Stop();
+    ASSERT_TRUE(WaitFor([&] { return !finished.isEmpty(); }, 10000));
+    EXPECT_TRUE(window.Verdict().text().contains("Test abgebrochen"));
+}
+
+TEST_F(WorkbenchTest, SyntaxErrorIsUnderlinedAtItsLineAfterTypingPauses)
+{
+    QSignalSpy checked(&window.Editor(), &TScriptEditor::Checked);
+    window.Editor().setPlainText("var A : Number\nLog(A)\nA := * 3\nLog(A)");
+    EXPECT_TRUE(checked.isEmpty()) << "checked before the pause";
+    ASSERT_TRUE(checked.wait(5000));
+    const auto& errors = window.Editor().LastCheck().errors;
+    ASSERT_EQ(errors.size(), 1u);
+    EXPECT_EQ(errors[0].line, 3);
+    bool underlined = false;
+    for (const QTextEdit::ExtraSelection& mark : window.Editor().extraSelections()) {
+        if (mark.format.underlineStyle() != QTextCharFormat::WaveUnderline) continue;
+        EXPECT_EQ(mark.cursor.blockNumber(), 2);
+        EXPECT_EQ(mark.format.toolTip(), errors[0].message);
+        underlined = true;
+    }
+    EXPECT_TRUE(underlined);
+}
+
+TEST_F(WorkbenchTest, ScriptWithSyntaxErrorsDoesNotRunAndLogsWhereTheyAre)
+{
+    SetScript("Log(1)\nLog(\n");
+    RunToEnd();
+    EXPECT_TRUE(window.Verdict().text().startsWith("Fehlgeschlagen"));
+    EXPECT_EQ(window.LastReport()->exitCode, 2);
+    EXPECT_FALSE(LogRows().contains("1|1|Info"));
+}
+
+TEST_F(WorkbenchTest, VariablesViewShowsTheValuesTheRunLeft)
+{
+    window.SetProjectFolder(folder.path());
+    SetScript("var N : Number\nvar T : String\nvar A : Array of Number\nN := 6 * 7\nT := \"x\" + \"y\"\nA[2] := 5");
+    RunToEnd();
+    EXPECT_EQ(VariableValue("N"), "Number 42");
+    EXPECT_EQ(VariableValue("T"), "String xy");
+    EXPECT_EQ(VariableValue("A"), "Array of Number {0}{5}");
+    EXPECT_EQ(VariableValue("PROJEKTPFAD"), "String " + QDir::cleanPath(folder.path()));
+}
+
+TEST_F(WorkbenchTest, TextOutputAndTheLaborCommandsReachTheLaborWindow)
+{
+    SetScript("ShowLabor\nTextOut(Text := \"Hallo Labor\")");
+    RunToEnd();
+    EXPECT_TRUE(window.Labor().isVisible());
+    EXPECT_TRUE(window.Labor().Document().toPlainText().contains("Hallo Labor"));
+    const QString pdf = folder.filePath("labor.pdf");
+    ASSERT_TRUE(window.Labor().ExportPdf(pdf));
+    EXPECT_TRUE(ReadText(pdf).startsWith("%PDF"));
+    SetScript("HideLabor");
+    RunToEnd();
+    EXPECT_FALSE(window.Labor().isVisible());
+}
+
+TEST_F(WorkbenchTest, OlderLinesAreConvertedAsDvrunConvertsThemAfterThePreviewAndCancelKeepsThem)
+{
+    ASSERT_TRUE(window.OpenFile(DV_TEST_DATA_DIR "/examples/older_lines.dvs"));
+    const QString original = window.Editor().toPlainText();
+    int listed = 0;
+    OnModal("ConvertPreview", [&](QWidget& d) {
+        listed = dv::test::Find<QTreeWidget>(d, "Changes").topLevelItemCount();
+        static_cast<QDialog&>(d).reject();
+    });
+    EXPECT_FALSE(window.ConvertOlderLines());
+    EXPECT_GT(listed, 5);
+    EXPECT_EQ(window.Editor().toPlainText(), original);
+
+    OnModal("ConvertPreview", [](QWidget& d) { Click(d, "BT_OK"); });
+    ASSERT_TRUE(window.ConvertOlderLines());
+    EXPECT_EQ(window.Editor().toPlainText(), ReadText(DV_TEST_DATA_DIR "/examples/older_lines.expected"));
+    window.Editor().undo();
+    EXPECT_EQ(window.Editor().toPlainText(), original);
+}
+
+TEST_F(WorkbenchTest, ReplaceAllIsOneUndoStepAndFindWrapsAround)
+{
+    SetScript("Log(Wert)\nLog(wert + 1)\nLog(\"x\")");
+    TFindReplaceBar& bar = window.FindBar();
+    Type(bar, "Edit_Find", "wert");
+    Type(bar, "Edit_Replace", "Spannung");
+    window.Editor().GoToLine(3);
+    ASSERT_TRUE(bar.FindNext());  // past the last match: wraps to the first
+    EXPECT_EQ(window.Editor().textCursor().blockNumber(), 0);
+    EXPECT_EQ(bar.ReplaceAll(), 2);
+    EXPECT_EQ(window.Editor().toPlainText(), "Log(Spannung)\nLog(Spannung + 1)\nLog(\"x\")");
+    window.Editor().undo();
+    EXPECT_EQ(window.Editor().toPlainText(), "Log(Wert)\nLog(wert + 1)\nLog(\"x\")");
+    Click(bar, "CB_CaseSensitive");
+    EXPECT_EQ(bar.ReplaceAll(), 1);
+}
+
+TEST_F(WorkbenchTest, SavedScriptOpensAgainAndHeadsTheRecentFiles)
+{
+    const QString first = folder.filePath("eins.dvs");
+    const QString second = folder.filePath("zwei.dvs");
+    SetScript("Log(\"eins\")");
+    ASSERT_TRUE(window.SaveFile(first));
+    SetScript("Log(\"zwei\")");
+    ASSERT_TRUE(window.SaveFile(second));
+    EXPECT_FALSE(window.SaveFile(folder.filePath("fehlt/drei.dvs")));
+    ASSERT_TRUE(window.OpenFile(first));
+    EXPECT_EQ(window.Editor().toPlainText(), "Log(\"eins\")");
+    ASSERT_TRUE(window.OpenFile(second));
+    ASSERT_TRUE(window.OpenFile(first));
+    EXPECT_EQ(window.RecentFiles(), QStringList({first, second}));
+    EXPECT_FALSE(window.OpenFile(folder.filePath("fehlt.dvs")));
+    EXPECT_EQ(window.FileName(), first);
+}
+
+TEST(ScriptHighlighter, ColoursWhatTheTokenizerReads)
+{
+    TScriptEditor editor;  // its highlighter
+    editor.setPlainText("while X < 3 do TCP(Host := \"a\") // Ende");
+    const QList<QTextLayout::FormatRange> ranges = editor.document()->firstBlock().layout()->formats();
+    ASSERT_FALSE(ranges.isEmpty());
+    auto styleAt = [&](int position) {
+        QTextCharFormat f;
+        for (const QTextLayout::FormatRange& r : ranges) {
+            if (position >= r.start && position < r.start + r.length) f = r.format;
+        }
+        return f;
+    };
+    EXPECT_EQ(styleAt(0).foreground().color(), TScriptHighlighter::Format(TTokenStyle::Keyword).foreground().color());  // while
+    EXPECT_EQ(styleAt(10).foreground().color(), TScriptHighlighter::Format(TTokenStyle::Number).foreground().color());  // 3
+    EXPECT_EQ(styleAt(15).foreground().color(), TScriptHighlighter::Format(TTokenStyle::Command).foreground().color());  // TCP
+    EXPECT_EQ(styleAt(28).foreground().color(), TScriptHighlighter::Format(TTokenStyle::String).foreground().color());  // "a"
+    EXPECT_EQ(styleAt(36).foreground().color(), TScriptHighlighter::Format(TTokenStyle::Comment).foreground().color());  // Ende
+    EXPECT_NE(styleAt(6).foreground().color(), TScriptHighlighter::Format(TTokenStyle::Command).foreground().color());  // X
+}
+
+TEST(RunLog, HostLinesBecomeEntriesWithLevelAndLine)
+{
+    struct Case {
+        const char* hostLine;
+        int runningLine;
+        int line;
+        const char* message;
+        TLogLevel level;
+    };
+    const Case cases[] = {
+        {"LOG Spannung 5", 7, 7, "Spannung 5", TLogLevel::Info},
+        {"FEHLER a.dvs:12: Division durch 0", 3, 12, "a.dvs:12: Division durch 0", TLogLevel::Error},
+        {"PRÜFUNG FEHLGESCHLAGEN Zeile 4: zu klein", 9, 4, "PRÜFUNG FEHLGESCHLAGEN Zeile 4: zu klein", TLogLevel::Error},
+        {"WARN Datei fehlt", 2, 2, "Datei fehlt", TLogLevel::Warning},
+        {"STATUS bereit", 1, 1, "STATUS bereit", TLogLevel::Info},
+    };
+    for (const Case& c : cases) {
+        const TLogEntry e = MakeLogEntry(QString::fromUtf8(c.hostLine), c.runningLine);
+        EXPECT_EQ(e.line, c.line) << c.hostLine;
+        EXPECT_EQ(e.message, QString::fromUtf8(c.message)) << c.hostLine;
+        EXPECT_EQ(e.level, c.level) << c.hostLine;
+    }
+}
+
+}  // namespace
+}  // namespace dv::workbench
