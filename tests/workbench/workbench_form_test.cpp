@@ -1,6 +1,8 @@
 // The workbench driven through its widgets: calls written and re-edited through the commands'
 // dialogs, scripts run and stopped, and what the log, the verdict and the variables show after.
 #include "commands/system/platform_process.h"
+#include "framework/catalogue.h"
+#include "framework/registry.h"
 #include "tests/commands/formdriver.h"
 #include "workbench/calledit.h"
 #include "workbench/findreplace.h"
@@ -113,15 +115,18 @@ TEST_F(WorkbenchTest, PaletteInsertsATcpCallWrittenFromItsDialogWithNamedArgumen
     EXPECT_TRUE(window.Editor().LastCheck().errors.empty()) << "the written line must read back as a call";
 }
 
-TEST_F(WorkbenchTest, PaletteShowsCommandsThatAreNotBuiltDisabled)
+TEST_F(WorkbenchTest, PaletteGroupsEveryCatalogueRowAndDisablesTheOnesNotBuilt)
 {
     const QTreeWidgetItem* tcp = window.Palette().ItemOf("TCP");
     const QTreeWidgetItem* box = window.Palette().ItemOf("MeldungsBox");
     ASSERT_TRUE(tcp && box);
     EXPECT_EQ(tcp->parent()->text(0), "System");
     EXPECT_EQ(box->parent()->text(0), "Dialoge");
-    EXPECT_TRUE(tcp->flags() & Qt::ItemIsEnabled);
-    EXPECT_FALSE(box->flags() & Qt::ItemIsEnabled);
+    for (const dv::TCatalogueRow& row : dv::Catalogue()) {
+        const QTreeWidgetItem* item = window.Palette().ItemOf(QString::fromLatin1(row.procedure));
+        ASSERT_TRUE(item) << row.procedure;
+        EXPECT_EQ(bool(item->flags() & Qt::ItemIsEnabled), dv::IsAvailable(row)) << row.procedure;
+    }
 }
 
 TEST_F(WorkbenchTest, EditingALineAndCancellingChangesNothingWhileOkRewritesItInPlace)
