@@ -12,6 +12,7 @@
 #include "framework/editorform.h"
 #include "framework/forms/commandform.h"
 #include "framework/forms/guiforms.h"
+#include "scope/gui_scope_form.h"
 
 namespace dv {
 
@@ -27,6 +28,7 @@ void RegisterForms()
     RegisterForm<TStringBearbeitung, TDVCmdStringConversion>(QStringLiteral("TStringBearbeitung"));
     RegisterForm<TZahlenkonverter, TDVCmdNumberConversion>(QStringLiteral("TZahlenkonverter"));
     RegisterForm<TFRM_TextOut, TDVCmdTextOut>(QStringLiteral("TFRM_TextOut"));
+    scope::InstallScopeWindow();
 }
 
 }  // namespace dv

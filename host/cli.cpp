@@ -1,5 +1,6 @@
 #include "host/cli.h"
 
+#include "framework/artifacts.h"
 #include "framework/forms/guiforms.h"
 #include "framework/headless.h"
 #include "framework/systemlog.h"
@@ -91,8 +92,14 @@ int RunScript(int& argc, char** argv, const TCliOptions& options, const QString&
     }
     if (!ok) return Finish(run.Report(), options);
 
+    if (!options.artifacts.isEmpty()) {
+        QDir().mkpath(options.artifacts);
+        SetArtifactsFolder(options.artifacts);
+        // Pictures are drawn by the same widgets, offscreen when there is no display.
+        if (!HasDisplay()) qputenv("QT_QPA_PLATFORM", "offscreen");
+    }
     std::unique_ptr<QCoreApplication> app;
-    if (run.NeedsDialog() && HasDisplay()) {
+    if ((run.NeedsDialog() && HasDisplay()) || !options.artifacts.isEmpty()) {
         app = std::make_unique<QApplication>(argc, argv);
         RegisterForms();
     } else {
@@ -118,6 +125,7 @@ QString UsageText()
         "  --project ORDNER     Projektordner (PROJEKTPFAD); Vorgabe: der Ordner des Skripts\n"
         "  --junit DATEI        JUnit-Bericht des Laufs schreiben\n"
         "  --log DATEI          Protokoll des Laufs schreiben\n"
+        "  --artifacts ORDNER   Bilder des Laufs (Scope) in ORDNER ablegen, im JUnit-Bericht genannt\n"
         "  --answer BEFEHL=TEXT Antwort eines Dialogbefehls ohne Oberfläche (mehrfach möglich)\n"
         "  --list               Befehlskatalog ausgeben (Prozedur und Signatur)\n"
         "  --convert            Skript mit älteren Befehlszeilen in die aktuelle Form umschreiben\n"
@@ -143,6 +151,7 @@ std::optional<QString> ParseOptions(const QStringList& args, TCliOptions& option
         else if (a == "--project") error = value(options.project);
         else if (a == "--junit") error = value(options.junit);
         else if (a == "--log") error = value(options.log);
+        else if (a == "--artifacts") error = value(options.artifacts);
         else if (a == "--define" || a == "--answer") {
             error = value(text);
             if (!error && !text.contains('=')) error = Format(_("%s erwartet NAME=WERT, nicht \"%s\""), {a, text});

@@ -14,6 +14,7 @@ struct TCliOptions {
     QString project;
     QString junit;
     QString log;
+    QString artifacts;  // folder for pictures of the run
     bool list = false;
     bool convert = false;
     bool help = false;

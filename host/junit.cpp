@@ -1,5 +1,7 @@
 #include "host/junit.h"
 
+#include "framework/artifacts.h"
+
 #include <QFile>
 #include <QFileInfo>
 #include <QXmlStreamWriter>
@@ -30,6 +32,12 @@ bool WriteJUnitReport(const QString& path, const QString& scriptName, const TRun
         xml.writeAttribute(QStringLiteral("message"), text.section('\n', 0, 0));
         xml.writeCharacters(text);
         xml.writeEndElement();
+    }
+    // Pictures of the run, in the form JUnit attachment readers of CI servers pick up.
+    if (const QStringList pictures = Attachments(); !pictures.isEmpty()) {
+        QString out;
+        for (const QString& picture : pictures) out += QStringLiteral("[[ATTACHMENT|%1]]\n").arg(QFileInfo(picture).absoluteFilePath());
+        xml.writeTextElement(QStringLiteral("system-out"), out);
     }
     xml.writeEndElement();
     xml.writeEndElement();
