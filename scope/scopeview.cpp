@@ -61,21 +61,44 @@ std::vector<TColumnSpan> DecimateMinMax(std::span<const double> x, std::span<con
     const std::size_t n = std::min(x.size(), y.size());
     spans.reserve(std::min<std::size_t>(n, static_cast<std::size_t>(4 * std::max(width, 1))));
     const int right = left + width;
-    for (std::size_t i = 0; i < n; ++i) {
+    const bool ascendingAxis = map.xStep > 0 && map.pixelsPerDivision > 0;
+    std::size_t i = 0;
+    while (i < n) {
         const double px = Limited(map.PixelX(x[i]));
         const double py = Limited(map.PixelY(y[i]));
-        if (std::isnan(px) || std::isnan(py)) continue;
-        // Everything outside the visible columns shares one column per side.
-        const int column = px < left ? left - 1 : px >= right ? right : static_cast<int>(px);
-        if (!spans.empty() && spans.back().column == column) {
-            TColumnSpan& s = spans.back();
-            s.top = std::min(s.top, py);
-            s.bottom = std::max(s.bottom, py);
-            s.xLast = px;
-            s.yLast = py;
+        if (std::isnan(px) || std::isnan(py)) {
+            ++i;
             continue;
         }
-        spans.push_back({column, py, py, px, py, px, py});
+        // Everything outside the visible columns shares one column per side.
+        const int column = px < left ? left - 1 : px >= right ? right : static_cast<int>(px);
+        if (spans.empty() || spans.back().column != column) spans.push_back({column, py, py, px, py, px, py});
+        TColumnSpan& s = spans.back();
+        s.top = std::min(s.top, py);
+        s.bottom = std::max(s.bottom, py);
+        s.xLast = px;
+        s.yLast = py;
+        ++i;
+        if (!ascendingAxis || column < left || column >= right) continue;
+        // The points that follow in ascending x within the same column need only their raw
+        // extremes: a tight loop over plain doubles, mapped once per column.
+        const double columnEnd = map.ValueX(column + 1);
+        double low = y[i - 1];
+        double high = y[i - 1];
+        double previous = x[i - 1];
+        std::size_t j = i;
+        while (j < n && x[j] >= previous && x[j] < columnEnd) {
+            previous = x[j];
+            low = std::min(low, y[j]);
+            high = std::max(high, y[j]);
+            ++j;
+        }
+        if (j == i) continue;
+        s.top = std::min(s.top, Limited(map.PixelY(high)));
+        s.bottom = std::max(s.bottom, Limited(map.PixelY(low)));
+        s.xLast = Limited(map.PixelX(x[j - 1]));
+        s.yLast = Limited(map.PixelY(y[j - 1]));
+        i = j;
     }
     return spans;
 }
