@@ -5,6 +5,7 @@
 #include "framework/translate.h"
 #include "scope/gui_scope.h"
 #include "scope/scopedisplay_form.h"
+#include "scope/scopeenvelope_form.h"
 #include "scope/scopemodel.h"
 
 #include <QApplication>
@@ -62,16 +63,24 @@ TFormScope::TFormScope(bool live, QWidget* parent) : QWidget(parent, Qt::Window)
     prefix_ = new QPushButton(_("Prefix"), run);
     prefix_->setObjectName(QStringLiteral("BT_Prefix"));
     prefix_->setCheckable(true);
+    envelopeButton_ = new QPushButton(_("Hüllkurve"), run);
+    envelopeButton_->setObjectName(QStringLiteral("BT_Huellkurve"));
+    envelopeButton_->setCheckable(true);
     auto* row = new QHBoxLayout(run);
+    row->addWidget(envelopeButton_);
     row->addWidget(function_);
     row->addWidget(channel_);
     row->addWidget(result_, 1);
     row->addWidget(prefix_);
     row->addWidget(weiter_);
 
+    envelope_ = new TEnvelopePanel(display_->Main(), this);
+    envelope_->hide();
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(display_);
+    layout->addWidget(envelope_);
     layout->addWidget(run);
+    connect(envelopeButton_, &QPushButton::toggled, this, &TFormScope::ShowEnvelopeTools);
 
     blink_ = new QTimer(this);
     blink_->setInterval(1000);
@@ -98,7 +107,7 @@ void TFormScope::AfterRun()
     channel_->setText(m.ChannelLabel);
     result_->setText(m.ResultText);
     prefix_->setChecked(m.PrefixButton);
-    display_->Main().SetRunning(m.Running);
+    display_->Main().SetRunning(m.Running && !envelopeButton_->isChecked());
     display_->Spectrum().SetRunning(m.Running);
     display_->Refresh();
     weiter_->setEnabled(m.WeiterEnabled);
@@ -118,6 +127,13 @@ void TFormScope::AfterRun()
         }
     }
     WritePicture();
+}
+
+void TFormScope::ShowEnvelopeTools(bool down)
+{
+    // While the tools are shown, clicks on the main scope edit the envelope instead of measuring.
+    envelope_->setVisible(down);
+    display_->Main().SetRunning(!down);
 }
 
 void TFormScope::WritePicture()

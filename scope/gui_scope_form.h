@@ -14,6 +14,7 @@ class QTimer;
 namespace dv::scope {
 
 class TScopeDisplay;
+class TEnvelopePanel;
 
 class TFormScope : public QWidget, public IScopeDialogs {
     Q_OBJECT
@@ -24,6 +25,7 @@ public:
     ~TFormScope() override;
 
     TScopeDisplay& Display() const { return *display_; }
+    TEnvelopePanel& Envelope() const { return *envelope_; }
     // Model -> window after a run; writes the picture when an artifacts folder is set.
     void AfterRun();
     // The picture path written by the last AfterRun; empty when none.
@@ -45,6 +47,7 @@ private:
     void Weiter();
     void SetWeiterLook(bool blinking);
     void WritePicture();
+    void ShowEnvelopeTools(bool down);
 
     bool live_;
     TScopeDisplay* display_;
@@ -53,6 +56,8 @@ private:
     QLabel* channel_;
     QPushButton* weiter_;
     QPushButton* prefix_;
+    QPushButton* envelopeButton_;
+    TEnvelopePanel* envelope_;
     QTimer* blink_;
     bool blinkOn_ = false;
     QString lastPicture_;

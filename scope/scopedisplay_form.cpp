@@ -307,7 +307,6 @@ void TScopeDisplay::Refresh()
         autoScaleRunsSeen_ = m.AutoScaleRuns;
         AutoScaleNow();
     }
-    main_->SetRunning(m.Running);
     UpdateReadout();
     main_->update();
     spectrum_->update();
