@@ -56,8 +56,7 @@ std::vector<TColumnSpan> DecimateMinMax(std::span<const double> x, std::span<con
 
 // The division steps and zero point that show every point of the curves in the plot area: the
 // smallest steps under which the curves' extent fits, the first point at the left edge and the
-// value range centred. Curves without points are left out; none at all gives nullopt-like valid
-// = false.
+// value range centred. Curves without points are left out; when no curve has any, valid is false.
 struct TAutoScale {
     bool valid = false;
     int xStep = 0;
