@@ -25,6 +25,7 @@
 #include "image/gui_imagesave_form.h"
 #include "framework/forms/commandform.h"
 #include "framework/forms/guiforms.h"
+#include "scope/gui_scope_form.h"
 
 namespace dv {
 
@@ -55,6 +56,7 @@ void RegisterForms()
     RegisterForm<TFormImageSave, TDVCmdImageSave>(QStringLiteral("TFormImageSave"));
     RegisterForm<TFormImageLoad, TDVCmdImageLoad>(QStringLiteral("TFormImageLoad"));
     RegisterForm<TFormImageChange, TDVCmdImageChange>(QStringLiteral("TFormImageChange"));
+    scope::InstallScopeWindow();
 }
 
 }  // namespace dv

@@ -29,6 +29,7 @@ QString ArtifactsFolder()
 QString NextArtifactPath(const QString& stem, const QString& suffix)
 {
     std::lock_guard lock(g_mutex);
+    if (g_folder.isEmpty()) return {};
     const QDir dir(g_folder);
     for (int n = 1;; ++n) {
         const QString path = dir.filePath(QStringLiteral("%1-%2.%3").arg(stem).arg(n, 3, 10, QChar('0')).arg(suffix));

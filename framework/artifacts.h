@@ -10,7 +10,8 @@ namespace dv {
 // Empty: no artifacts are written.
 void SetArtifactsFolder(const QString& folder);
 QString ArtifactsFolder();
-// A free file name "<stem>-NNN.<suffix>" in the folder, numbered from 001.
+// A free file name "<stem>-NNN.<suffix>" in the folder, numbered from 001; empty when no folder
+// is set.
 QString NextArtifactPath(const QString& stem, const QString& suffix);
 void AddArtifact(const QString& path);
 QStringList Artifacts();

@@ -108,8 +108,10 @@ int RunScript(int& argc, char** argv, const TCliOptions& options, const QString&
     }
     if (!ok) return Finish(run.Report(), options);
 
+    // Pictures are drawn by the same widgets, offscreen when there is no display.
+    if (!options.artifacts.isEmpty() && !HasDisplay()) qputenv("QT_QPA_PLATFORM", "offscreen");
     std::unique_ptr<QCoreApplication> app;
-    if (run.NeedsDialog() && HasDisplay()) {
+    if ((run.NeedsDialog() && HasDisplay()) || !options.artifacts.isEmpty()) {
         app = std::make_unique<QApplication>(argc, argv);
         RegisterForms();
     } else {
@@ -135,7 +137,7 @@ QString UsageText()
         "  --project ORDNER     Projektordner (PROJEKTPFAD); Vorgabe: der Ordner des Skripts\n"
         "  --junit DATEI        JUnit-Bericht des Laufs schreiben\n"
         "  --log DATEI          Protokoll des Laufs schreiben\n"
-        "  --artifacts ORDNER   Bilder der Bildvergleiche in ORDNER ablegen\n"
+        "  --artifacts ORDNER   Bilder des Laufs (Scope, Bildvergleiche) in ORDNER ablegen, im JUnit-Bericht genannt\n"
         "  --answer BEFEHL=TEXT Antwort eines Dialogbefehls ohne Oberfläche (mehrfach möglich)\n"
         "  --max-array N        höchstens N Elemente je Array (Vorgabe 100000000)\n"
         "  --max-string N       höchstens N Zeichen je Text (Vorgabe 1000000000)\n"

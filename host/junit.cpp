@@ -1,5 +1,7 @@
 #include "host/junit.h"
 
+#include "framework/artifacts.h"
+
 #include <QFile>
 #include <QFileInfo>
 #include <QXmlStreamWriter>

@@ -22,6 +22,8 @@ namespace {
 // Written by the GUI thread during the synchronised run, read by the worker after it returned.
 std::atomic<bool> g_waitEnabled{false};
 
+std::function<void()> g_shownHook;
+
 // A fault already reported and answered with Cancel: the run ends without a second dialog.
 struct TRunCancelled {};
 
@@ -78,6 +80,7 @@ void TScopeState::Start()
         ReportExecutionFault(_("Scope-Plugin: Fehler bei der Befehlsausführung !") + '\n' + e.Message());
     }
     g_waitEnabled = s.WaitEnabled;
+    if (m.Visible && g_shownHook) g_shownHook();
 }
 
 void TScopeState::ClearScope()
@@ -202,6 +205,8 @@ void TScopeState::Continue()
     ScopeModel().WeiterEnabled = false;
     ContinueEvent.SignalStop();
 }
+
+void SetShownHook(std::function<void()> hook) { g_shownHook = std::move(hook); }
 
 TScopeState& Scope()
 {

@@ -8,6 +8,7 @@
 
 #include <QString>
 
+#include <functional>
 #include <vector>
 
 namespace dv {
@@ -44,6 +45,10 @@ private:
 };
 
 TScopeState& Scope();
+
+// Called on the GUI thread at the end of every run that leaves the scope shown (the window
+// repaints itself and, with an artifacts folder, writes its picture). Empty: nothing is called.
+void SetShownHook(std::function<void()> hook);
 
 }  // namespace scope
 

@@ -2,6 +2,7 @@
 
 #include "analysis/curvestore.h"
 #include "framework/dvtools.h"
+#include "scope/scopeview.h"
 
 #include <cmath>
 
@@ -9,15 +10,16 @@ namespace dv::scope {
 
 void TScopeModel::ApplyScaling(const TDecodedSettings& s)
 {
-    const int last = static_cast<int>(kDivisionSteps.size()) - 1;
-    XDivStep = InInterval(0, last, s.ScaleFields[0].toInt());
-    YDivStep = InInterval(0, last, s.ScaleFields[1].toInt());
+    const std::span<const double> xSteps = XDivisionSteps();
+    const std::span<const double> ySteps = YDivisionSteps();
+    XDivStep = InInterval(0, static_cast<int>(xSteps.size()) - 1, s.ScaleFields[0].toInt());
+    YDivStep = InInterval(0, static_cast<int>(ySteps.size()) - 1, s.ScaleFields[1].toInt());
     const double xOffset = analysis::StrToFloatP(s.ScaleFields[2]);
     const double yOffset = analysis::StrToFloatP(s.ScaleFields[3]);
     ZeroX = static_cast<int>(std::lround((kPlotWidth - 40) * s.ZeroPosX + 40 -
-                                         xOffset * kPixelsPerDivision / kDivisionSteps[static_cast<std::size_t>(XDivStep)]));
+                                         xOffset * kPixelsPerDivision / xSteps[static_cast<std::size_t>(XDivStep)]));
     ZeroY = static_cast<int>(std::lround((kPlotHeight - 30) * s.ZeroPosY +
-                                         yOffset * kPixelsPerDivision / kDivisionSteps[static_cast<std::size_t>(YDivStep)]));
+                                         yOffset * kPixelsPerDivision / ySteps[static_cast<std::size_t>(YDivStep)]));
 }
 
 TScopeModel& ScopeModel()

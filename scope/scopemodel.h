@@ -20,13 +20,11 @@ struct TScopeLine {
 inline constexpr std::array<int, kColorCount> kDefaultColors{0x00FFFF, 0x00FF00, 0xFFFF00, 0xFF00FF, 0x000000, 0x000000, 0xFF0000};
 inline constexpr int kClipLineColor = 65535;  // yellow
 
-// The plot of the main scope in pixels, the size of a division and the steps of its division
-// selectors (value per division).
+// The plot of the main scope in pixels and the size of a division; the steps of the division
+// selectors are in scope/scopeview.h.
 inline constexpr int kPlotWidth = 1126;
 inline constexpr int kPlotHeight = 570;
 inline constexpr int kPixelsPerDivision = 50;
-inline constexpr std::array<double, 19> kDivisionSteps{1e-6, 2e-6, 5e-6, 1e-5, 2e-5, 5e-5, 1e-4, 2e-4, 5e-4, 1e-3,
-                                                       2e-3, 5e-3, 1e-2, 2e-2, 5e-2, 0.1, 0.2, 0.5, 1.0};
 inline constexpr int kDefaultZeroX = 40;
 inline constexpr int kDefaultZeroY = (kPlotHeight - 30) / 2;
 
@@ -36,8 +34,8 @@ struct TScopeModel {
     std::array<int, kColorCount> Colors = kDefaultColors;
     int Intensity = kDefaultColors[6] / 65536;
     std::array<QString, kCurveSlots> CurveNames;
-    int XDivStep = 9;
-    int YDivStep = 18;
+    int XDivStep = 18;  // 1 ms
+    int YDivStep = 9;   // 1 V
     int ZeroX = kDefaultZeroX;
     int ZeroY = kDefaultZeroY;
     int SecondZeroX = kDefaultZeroX;
@@ -53,7 +51,7 @@ struct TScopeModel {
     bool Visible = false;
     bool Running = false;  // run panel shown, both scopes running
     bool PrefixButton = false;
-    int AutoScaleRuns = 0;
+    int AutoScaleRuns = 0;  // the display autoscales once per new run
     bool WeiterEnabled = false;
     bool BlinkTimerActive = false;
 
