@@ -22,15 +22,15 @@ const QString kWhiteBalance = QStringLiteral("WhiteBalance");
 const QString kFilePrefix = QStringLiteral("file:");
 const QString kPatternPrefix = QStringLiteral("pattern:");
 
-QImage PatternFrame(const QString& spec)
+QImage PatternFrame(const QString& pattern)
 {
     static const QRegularExpression form(QStringLiteral("^([A-Za-z]+)(?:@(-?\\d+),(-?\\d+))?$"));
-    const QRegularExpressionMatch m = form.match(spec.trimmed());
+    const QRegularExpressionMatch m = form.match(pattern.trimmed());
     std::optional<QImage> image;
     if (m.hasMatch()) image = image::TestPattern(m.captured(1), QPoint(m.captured(2).toInt(), m.captured(3).toInt()));
     if (!image) {
         throw TDravikException(Format(_("ImageCapture: Unbekanntes Testbild \"%s\" (bekannt: %s, verschoben: NAME@DX,DY)"),
-                                      {spec, image::TestPatternNames().join(QStringLiteral(", "))}));
+                                      {pattern, image::TestPatternNames().join(QStringLiteral(", "))}));
     }
     return *image;
 }
