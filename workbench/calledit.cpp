@@ -37,6 +37,8 @@ QString FirstWord(const QString& line)
     return word.match(line).captured(1);
 }
 
+}  // namespace
+
 QString Indentation(const QString& line)
 {
     qsizetype n = 0;
@@ -44,7 +46,13 @@ QString Indentation(const QString& line)
     return line.left(n);
 }
 
-}  // namespace
+QString IndentBlock(const QString& block, const QString& indentation)
+{
+    static const QRegularExpression lineBreak(QStringLiteral("\r?\n"));
+    QStringList lines = block.split(lineBreak);
+    for (QString& line : lines) line.prepend(indentation);
+    return lines.join('\n');
+}
 
 TLineCommand CommandOfLine(const QString& line, host::TCommandPool& commands)
 {
@@ -85,7 +93,7 @@ std::optional<QString> EditStructure(TDVRunEdit& command, int lineNumber, const 
     QString script = line;
     if (!command.EditCommand(0, lineNumber, text, script)) return std::nullopt;
     command.PostEdit();
-    return script;
+    return IndentBlock(script, Indentation(line));
 }
 
 QString DescribeLine(const QString& line, host::TCommandPool& commands)

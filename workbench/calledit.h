@@ -27,8 +27,13 @@ std::optional<QString> InsertCall(TDVThreadRunEdit& command);
 // The line's arguments into a parameter list, the dialog on it; on OK the rewritten line with its
 // indentation kept. nullopt when cancelled or when the line is no call of command.
 std::optional<QString> EditCall(TDVThreadRunEdit& command, const QString& line);
-// A structure command's editor on the line (empty for a new block); on OK its text.
+// A structure command's editor on the line (empty for a new block); on OK its lines joined by
+// '\n', each indented as the line was.
 std::optional<QString> EditStructure(TDVRunEdit& command, int lineNumber, const QString& line);
+// The block's lines (broken at CR LF or LF) joined by '\n', each after the indentation.
+QString IndentBlock(const QString& block, const QString& indentation);
+// The blanks and tabs the line begins with.
+QString Indentation(const QString& line);
 // The command's one-line description of a call line; empty when the line is no call.
 QString DescribeLine(const QString& line, host::TCommandPool& commands);
 

@@ -72,6 +72,7 @@ TMainWindow::TMainWindow(QWidget* parent)
     editor_->SetChecker([this](const QString& text) {
         TScriptCheck check = CheckScript(text, editHost_.Commands());
         variableNames_.setStringList(check.globals);
+        editHost_.Program().globals = check.globalScope;  // an if condition may name the script's variables
         return check;
     });
     editor_->SetLineTip([this](const QString& line) { return DescribeLine(line, editHost_.Commands()); });
@@ -388,18 +389,18 @@ bool TMainWindow::InsertCommand(const QString& commandClass)
 
 void TMainWindow::PlaceNewText(const QString& text)
 {
-    // On an empty line the new text takes its place; otherwise it goes below, indented alike.
+    // On an empty line the new text takes its place; otherwise it goes below. Every line of a
+    // block takes the current line's indentation.
     const int line = editor_->CurrentLine();
     const QString current = editor_->LineText(line);
+    const QString block = IndentBlock(text, Indentation(current));
     if (current.trimmed().isEmpty()) {
-        editor_->ReplaceLine(line, current + text);
+        editor_->ReplaceLine(line, block);
         return;
     }
-    qsizetype indent = 0;
-    while (indent < current.size() && current[indent].isSpace()) ++indent;
     QTextCursor cursor(editor_->document()->findBlockByNumber(line - 1));
     cursor.movePosition(QTextCursor::EndOfBlock);
-    cursor.insertText('\n' + current.left(indent) + text);
+    cursor.insertText('\n' + block);
     editor_->GoToLine(line + 1);
 }
 

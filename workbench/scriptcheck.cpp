@@ -13,6 +13,7 @@ TScriptCheck CheckScript(const QString& text, host::TCommandPool& commands)
     TScriptCheck check;
     for (const host::TParseError& e : program.errors) check.errors.push_back({e.line, e.column, e.message});
     for (int slot = 0; slot < program.globals.Size(); ++slot) check.globals << program.globals.Symbol(slot).name;
+    check.globalScope = program.globals;
     return check;
 }
 

@@ -152,6 +152,103 @@ TEST_F(WorkbenchTest, EditingALineAndCancellingChangesNothingWhileOkRewritesItIn
               "    TCP(Host := \"h\", Port := 99, Send := \"x\", Sentinel := [10], Result := Antwort);");
 }
 
+// Opens the palette row's dialog with Enter; fill works the dialog named form and closes it.
+void InsertFromPalette(TMainWindow& window, const char* row, const char* form, std::function<void(QWidget&)> fill)
+{
+    OnModal(form, std::move(fill));
+    TCommandPalette& palette = window.Palette();
+    palette.setCurrentItem(palette.ItemOf(row));
+    QTest::keyClick(&palette, Qt::Key_Return);
+}
+
+// Types a new line below line as the user would: end of the line, Return, the text.
+void TypeBelow(TScriptEditor& editor, int line, const QString& text)
+{
+    editor.GoToLine(line);
+    QTest::keyClick(&editor, Qt::Key_End);
+    QTest::keyClick(&editor, Qt::Key_Return);
+    QTest::keyClicks(&editor, text);
+}
+
+// OK on the if dialog; a condition its parser does not read keeps it open, so it is closed then.
+void ConfirmCondition(QWidget& dialog, const QString& condition)
+{
+    Type(dialog, "Edit_Vergleich1", condition);
+    Click(dialog, "BT_OK");
+    EXPECT_FALSE(dialog.isVisible()) << "condition refused: " << condition.toStdString();
+    if (dialog.isVisible()) static_cast<QDialog&>(dialog).reject();
+}
+
+TEST_F(WorkbenchTest, LoopAndIfBlocksInsertedFromTheStructureGroupAreWrittenInPlaceAndRun)
+{
+    SetScript("var I : Number\nvar Summe : Number\n\nLog(Summe)");
+    EXPECT_EQ(window.Palette().ItemOf("(loop)")->parent()->text(0), "Struktur");
+    window.Editor().GoToLine(3);
+    InsertFromPalette(window, "(loop)", "TDVGUILoop", [](QWidget& d) {
+        Click(d, "RadioFor");
+        Type(d, "Edit_LoopVarName", "I");
+        Type(d, "Edit_StartValue", "1");
+        Type(d, "Edit_EndValue", "4");
+        Click(d, "BT_OK");
+    });
+    EXPECT_EQ(window.Editor().toPlainText(), "var I : Number\nvar Summe : Number\nfor I := 1 to 4 do\n93:end for\nLog(Summe)");
+    TypeBelow(window.Editor(), 3, "  Summe := Summe + I");
+    // Inserted below an indented line, the whole block takes its indentation.
+    InsertFromPalette(window, "(if-then-else)", "TIfThenElse", [](QWidget& d) { ConfirmCondition(d, "I = 4"); });
+    TypeBelow(window.Editor(), 5, "    Log(\"letzte Runde\")");
+    EXPECT_EQ(window.Editor().toPlainText(),
+              "var I : Number\nvar Summe : Number\nfor I := 1 to 4 do\n  Summe := Summe + I\n  if I = 4 then\n"
+              "    Log(\"letzte Runde\")\n  911:else\n  912:end if;\n93:end for\nLog(Summe)");
+    EXPECT_EQ(window.Editor().document()->blockCount(), 10) << "one line per written line, no stray breaks";
+    RunToEnd();
+    EXPECT_TRUE(window.Verdict().text().startsWith("Bestanden")) << window.Verdict().text().toStdString();
+    EXPECT_TRUE(LogRows().contains("6|letzte Runde|Info")) << LogRows().join('\n').toStdString();
+    EXPECT_TRUE(LogRows().contains("10|10|Info")) << LogRows().join('\n').toStdString();
+}
+
+TEST_F(WorkbenchTest, CaseAndCommentRowsWriteTheirLinesBelowTheCurrentOne)
+{
+    SetScript("var N : Number = 2\nLog(N)");
+    window.Editor().GoToLine(2);
+    InsertFromPalette(window, "(comment)", "TBemerkung", [](QWidget& d) {
+        Type(d, "Edit_Bemerkung", "Auswahl nach N");
+        Click(d, "BT_OK");
+    });
+    EXPECT_EQ(window.Editor().LineText(3), "// Auswahl nach N");
+    InsertFromPalette(window, "(case)", "T_Case", [](QWidget& d) {
+        Type(d, "Edit_Selektor", "N");
+        Click(d, "BT_OK");
+    });
+    EXPECT_EQ(window.Editor().toPlainText().count('\n'), 4) << window.Editor().toPlainText().toStdString();
+    EXPECT_TRUE(window.Editor().LineText(4).startsWith("case")) << window.Editor().LineText(4).toStdString();
+    EXPECT_EQ(window.Editor().LineText(5), "631:end case");
+}
+
+TEST_F(WorkbenchTest, IfHeadIsEditedInPlaceThroughItsDialogAndCancelLeavesTheScript)
+{
+    const QString script = "var A : Number = 3\nif A > 1 then\n  if A > 2 then\n    Log(\"gross\")\n  end if\nend if";
+    SetScript(script);
+    const QRect head = window.Editor().cursorRect(QTextCursor(window.Editor().document()->findBlockByNumber(2)));
+    QString shown;
+    OnModal("TIfThenElse", [&shown](QWidget& d) {
+        shown = dv::test::Find<QLineEdit>(d, "Edit_Vergleich1").text();
+        Type(d, "Edit_Vergleich1", "A > 5");
+        Click(d, "BT_Cancel");
+    });
+    QTest::mouseDClick(window.Editor().viewport(), Qt::LeftButton, {}, head.center() + QPoint(40, 0));
+    EXPECT_EQ(shown.trimmed(), "A > 2");
+    EXPECT_EQ(window.Editor().toPlainText(), script);
+    EXPECT_FALSE(window.Editor().document()->isUndoAvailable()) << "a cancelled edit leaves nothing to undo";
+
+    OnModal("TIfThenElse", [](QWidget& d) { ConfirmCondition(d, "A > 5"); });
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    window.Editor().GoToLine(3);
+    QTest::keyClick(&window.Editor(), Qt::Key_F2);
+    EXPECT_EQ(window.Editor().toPlainText(),
+              "var A : Number = 3\nif A > 1 then\n  if A > 5 then\n    Log(\"gross\")\n  end if\nend if");
+}
+
 TEST_F(WorkbenchTest, CallLineShowsTheCommandsDescriptionAndOtherLinesNone)
 {
     const QString description = DescribeLine("ArrayToStr(Str := S, Arr := A);", window.Commands());
