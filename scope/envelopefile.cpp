@@ -115,18 +115,25 @@ void SaveHK(const TCurveStore& store, const QString& fileName, QChar decimalSepa
 void LoadHK(TCurveStore& store, const QString& fileName)
 {
     if (!QFileInfo::exists(fileName)) throw TEnvelopeFileMissing(fileName);
+    // Read here rather than by the INI reader, which takes a folder or a device for a file of
+    // unbounded size.
+    QFile file(fileName);
+    if (!QFileInfo(fileName).isFile() || !file.open(QIODevice::ReadOnly)) {
+        throw TDravikException(Format(_("Die Datei %s kann nicht gelesen werden"), {fileName}));
+    }
+    const QByteArray data = file.readAll();
     for (const TSection& section : kSections) {
         store.Clear(section.handle);
         if (!QFileInfo::exists(fileName)) throw TFileNotFoundException(fileName);
         CSimpleIniA ini;  // keys and sections compare without case, as on the platform
         ini.SetMultiKey(true);
-        if (ini.LoadFile(QFile::encodeName(fileName).constData()) < 0) {
+        if (ini.LoadData(data.constData(), static_cast<size_t>(data.size())) < 0) {
             throw TDravikException(Format(_("Die Datei %s kann nicht gelesen werden"), {fileName}));
         }
         // The runtime's integer reading: "$3" and "0x3" are hexadecimal, anything else that is no
         // 32-bit integer reads as the default.
         const long n = StrToIntDef(ProfileValue(ini, section.name, "Values"), -1);
-        if (n > kMaxPoints || n > QFileInfo(fileName).size()) {
+        if (n > kMaxPoints || n > data.size()) {
             throw TDravikException(Format(_("Ungültige Punktzahl %s im Abschnitt %s"),
                                           {QString::number(n), QString::fromLatin1(section.name)}));
         }
