@@ -47,6 +47,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     dv::TIniText ini(content);
     if (ini.Content() != dv::TIniText(ini.Content()).Content()) std::abort();  // writing is stable
     if (!IsSectionName(section) || !IsKeyName(key) || !IsPlainValue(value)) return 0;
+    // The command refuses what the file's encoding cannot hold (Windows-1252 lacks most characters).
+    if (!ini.CanHold(section + key + value)) return 0;
     const bool other = otherSection.compare(section, Qt::CaseInsensitive) != 0 || otherKey.compare(key, Qt::CaseInsensitive) != 0;
     const std::optional<QString> otherBefore = ini.ReadString(otherSection, otherKey);
 
