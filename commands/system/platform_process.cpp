@@ -5,6 +5,8 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
+#include <QStandardPaths>
 
 #include <fcntl.h>
 #include <poll.h>
@@ -31,13 +33,22 @@ namespace {
 
 bool IsBlank(QChar c) { return c == ' ' || c == '\t'; }
 
-// The program name: quoted up to the next quote, else up to the first blank; no escapes.
-QString TakeProgramName(const QString& line, qsizetype& i)
+// The program name: quoted up to the next quote, else up to the first blank; no escapes. Unquoted,
+// the first text up to a blank (or the line's end) that isProgram accepts, when one is.
+QString TakeProgramName(const QString& line, qsizetype& i, const std::function<bool(const QString&)>& isProgram)
 {
     while (i < line.size() && IsBlank(line[i])) ++i;
     const bool quoted = i < line.size() && line[i] == '"';
     if (quoted) ++i;
     const qsizetype start = i;
+    for (qsizetype end = start; !quoted && isProgram && end <= line.size(); ++end) {
+        if (end < line.size() && !IsBlank(line[end])) continue;
+        const QString candidate = line.mid(start, end - start);
+        if (!candidate.isEmpty() && isProgram(candidate)) {
+            i = end;
+            return candidate;
+        }
+    }
     while (i < line.size() && (quoted ? line[i] != '"' : !IsBlank(line[i]))) ++i;
     const QString name = line.mid(start, i - start);
     if (quoted && i < line.size()) ++i;
@@ -46,10 +57,10 @@ QString TakeProgramName(const QString& line, qsizetype& i)
 
 }  // namespace
 
-QStringList SplitCommandLine(const QString& commandLine)
+QStringList SplitCommandLine(const QString& commandLine, const std::function<bool(const QString&)>& isProgram)
 {
     qsizetype i = 0;
-    QStringList words{TakeProgramName(commandLine, i)};
+    QStringList words{TakeProgramName(commandLine, i, isProgram)};
     if (words.front().isEmpty() && i >= commandLine.size()) return {};
     QString word;
     bool inWord = false;
@@ -91,6 +102,12 @@ QString ResolveProgramPath(const QString& program)
 {
     if (!program.contains('/') || program.startsWith('/')) return program;
     return QDir::cleanPath(QDir::current().absoluteFilePath(program));
+}
+
+bool IsProgramFile(const QString& program)
+{
+    if (!program.contains('/')) return !QStandardPaths::findExecutable(program).isEmpty();
+    return QFileInfo(ResolveProgramPath(program)).isFile();
 }
 
 namespace {

@@ -5,6 +5,7 @@
 #include <QStringList>
 
 #include <cstdint>
+#include <functional>
 #include <sys/types.h>
 
 namespace dv {
@@ -18,7 +19,14 @@ class TRunControl;
 // quotes; a run of backslashes is literal unless a quote follows it, then each pair gives one
 // backslash and an odd one out makes the quote literal; "" inside quotes is one literal quote;
 // ' is an ordinary character. A quote left open runs to the end of the line.
-QStringList SplitCommandLine(const QString& commandLine);
+// With isProgram, an unquoted program name is looked for as the Windows start looks for it, so that
+// a path with blanks needs no quotes: the text up to each blank in turn, then the whole line, and
+// the first that isProgram accepts is the program; when none is, the name ends at the first blank.
+QStringList SplitCommandLine(const QString& commandLine, const std::function<bool(const QString&)>& isProgram = {});
+
+// Whether a program name names an existing file: a path (holding a '/') as ResolveProgramPath takes
+// it, a bare name as an executable on PATH.
+bool IsProgramFile(const QString& program);
 
 // A program path that holds a '/' and is relative is taken from the current directory, before the
 // child changes to its working directory; a bare name stays as it is for the PATH search.

@@ -179,6 +179,27 @@ TEST_F(Dvrun, ConvertedSystemLinesWithPathsRun)
     EXPECT_EQ(QString::fromUtf8(where.readAll()), d + "/work dir\neins\n");
 }
 
+// An older Exec line whose program path holds blanks, bare or in quotes, runs that program in its
+// folder once converted.
+TEST_F(Dvrun, ConvertedExecOfAProgramWithBlanksRuns)
+{
+    ASSERT_TRUE(QDir(dir.path()).mkpath("work dir"));
+    const QString prog = Script("work dir/my prog.sh", "#!/bin/sh\npwd >> wo.txt\necho \"$1\" >> wo.txt\nexit 2\n");
+    QFile::setPermissions(prog, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    const QString older = "var N : Misc\n"
+                          "Exec(" + prog + ",Param:bar,Pfad:,Result:N,TimeOut:5,V:False);\nLog(N)\n"
+                          "Exec(\"" + prog + "\",Param:zitiert,Pfad:,Result:N,TimeOut:5,V:False);\nLog(N)\n";
+    const TRun converted = Run({"--convert", Script("alt.dvs", older)});
+    ASSERT_EQ(converted.exitCode, 0) << converted.err.toStdString();
+    const TRun run = Run({Script("neu.dvs", converted.out)});
+    EXPECT_EQ(run.exitCode, 0) << converted.out.toStdString() << run.err.toStdString();
+    EXPECT_EQ(run.out, "-65534\n-65534\n") << converted.out.toStdString();
+    QFile where(dir.filePath("work dir/wo.txt"));
+    ASSERT_TRUE(where.open(QIODevice::ReadOnly));
+    const QString folder = dir.filePath("work dir");
+    EXPECT_EQ(QString::fromUtf8(where.readAll()), folder + "\nbar\n" + folder + "\nzitiert\n");
+}
+
 TEST_F(Dvrun, ConvertWarnsOfLinesItKeeps)
 {
     const QString older = "var A : Array of Number\nHexToInt(IN:FF,OUT:A[1]):0;\n";
