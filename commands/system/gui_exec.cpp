@@ -187,7 +187,8 @@ void TDVCmdStartEXE::RunThreaded(TParamList& params)
     argv.front() = attempt.program = ResolveProgramPath(argv.front());
     if (!workDir.isEmpty() && !QFileInfo(workDir).isDir()) StartFailed(attempt, _("Das Arbeitsverzeichnis existiert nicht"));
     const TProgramOutput output;
-    if (output.Fd() < 0) StartFailed(attempt, Format(_("Ausgabedatei %s: %s"), {output.Path(), output.Error()}));
+    if (output.Fd() < 0) StartFailed(attempt, Format(_("Ausgabedatei %s: %s"), {ProgramOutputPath(), output.Error()}));
+    if (!output.Warning().isEmpty()) SystemLog.Warn(output.Warning());
     TChildProcess child;
     if (const QString error = child.Start(argv, workDir, output.Fd()); !error.isEmpty()) StartFailed(attempt, error);
     SystemLog.Debug(Format(_("Ausgabe von %s (PID %d): %s"), {attempt.program, QString::number(child.Pid()), output.Path()}));

@@ -1,6 +1,7 @@
 #include "commands/system/platform_process.h"
 
 #include "framework/services.h"
+#include "framework/translate.h"
 #include "framework/waitevents.h"
 
 #include <QDir>
@@ -156,29 +157,46 @@ struct TSpawnSetup {
     }
 };
 
-std::mutex g_outputFolderMutex;
+std::mutex g_outputMutex;
 QString g_outputFolder;
+QString g_lastRefusedOutput;  // the output file last warned about, so a loop of starts warns once
+
+QString OutputPathIn(const QString& folder) { return QDir(folder).absoluteFilePath(QStringLiteral("exec-%1.log").arg(::getpid())); }
 
 }  // namespace
 
 void SetProgramOutputFolder(const QString& folder)
 {
-    std::lock_guard lock(g_outputFolderMutex);
+    std::lock_guard lock(g_outputMutex);
     g_outputFolder = folder;
 }
 
 QString ProgramOutputPath()
 {
-    std::lock_guard lock(g_outputFolderMutex);
-    const QString folder = g_outputFolder.isEmpty() ? QDir::currentPath() : g_outputFolder;
-    return QDir(folder).absoluteFilePath(QStringLiteral("exec-%1.log").arg(::getpid()));
+    std::lock_guard lock(g_outputMutex);
+    return OutputPathIn(g_outputFolder.isEmpty() ? QDir::currentPath() : g_outputFolder);
 }
 
 TProgramOutput::TProgramOutput()
-    : path_(ProgramOutputPath()),
-      fd_(::open(QFile::encodeName(path_).constData(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0666))
 {
-    if (fd_ < 0) error_ = ErrorText(errno);
+    const QString named = ProgramOutputPath();
+    for (const QString& path : {named, OutputPathIn(QDir::tempPath()), QStringLiteral("/dev/null")}) {
+        fd_ = ::open(QFile::encodeName(path).constData(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0666);
+        if (fd_ >= 0) {
+            path_ = path;
+            break;
+        }
+        if (error_.isEmpty()) error_ = ErrorText(errno);
+    }
+    if (fd_ < 0 || path_ == named) return;
+    std::lock_guard lock(g_outputMutex);
+    if (g_lastRefusedOutput == named) return;
+    g_lastRefusedOutput = named;
+    warning_ = path_ == QStringLiteral("/dev/null")
+                   ? Format(_("Die Ausgabedatei %s kann nicht angelegt werden: %s; die Ausgabe gestarteter Programme wird verworfen."),
+                            {named, error_})
+                   : Format(_("Die Ausgabedatei %s kann nicht angelegt werden: %s; die Ausgabe gestarteter Programme geht nach %s."),
+                            {named, error_, path_});
 }
 
 TProgramOutput::~TProgramOutput()

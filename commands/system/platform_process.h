@@ -38,8 +38,10 @@ QString ResolveProgramPath(const QString& program);
 void SetProgramOutputFolder(const QString& folder);
 QString ProgramOutputPath();
 
-// The output file, opened for appending (created when missing); Fd() -1 and Error() the system's
-// text when that failed.
+// The output file, opened for appending (created when missing). When the folder takes no file
+// (a shared read-only script folder), the same name in the temporary folder stands in, else
+// /dev/null, and Warning() says so once per file that could not be made. Fd() -1 and Error() the
+// system's text when nothing could be opened.
 class TProgramOutput {
 public:
     TProgramOutput();
@@ -49,11 +51,13 @@ public:
     int Fd() const { return fd_; }
     const QString& Path() const { return path_; }
     const QString& Error() const { return error_; }
+    const QString& Warning() const { return warning_; }
 
 private:
     QString path_;
     QString error_;
-    int fd_;
+    QString warning_;
+    int fd_ = -1;
 };
 
 enum class TChildWait {

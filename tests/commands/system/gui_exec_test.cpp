@@ -210,6 +210,31 @@ Log("fertig")
     EXPECT_TRUE(QString::fromUtf8(shell.readAllStandardError()).contains(dir.filePath(logs.front())));
 }
 
+// A script folder that takes no file (installed examples, another user's checkout): the programs'
+// output goes to the temporary folder, and the log says where.
+TEST(ExecDvrunTest, AReadOnlyScriptFolderSendsTheOutputToTheTemporaryFolder)
+{
+    if (!CanActAsOtherUser()) GTEST_SKIP() << "running as root without setpriv";
+    QTemporaryDir dir;
+    QTemporaryDir temp;
+    WriteFile(dir.filePath("run.dvs"), R"(var R : Number
+Exec(ExePath := "sh", Params := "-c ""echo hallo""", Return := R, TimeOut := 10)
+Check(R = 0, "Exec")
+)");
+    ::chmod(QFile::encodeName(dir.filePath("run.dvs")).constData(), 0644);
+    ::chmod(QFile::encodeName(dir.path()).constData(), 0555);
+    ::chmod(QFile::encodeName(temp.path()).constData(), 01777);
+    const TScopedEnvironment tmpdir("TMPDIR", QFile::encodeName(temp.path()));
+    const TDvrunRun run = RunDvrun({dir.filePath("run.dvs")}, temp.path(), true);
+    ::chmod(QFile::encodeName(dir.path()).constData(), 0755);
+    EXPECT_EQ(run.exitCode, 0) << run.err.toStdString();
+    const QStringList logs = QDir(temp.path()).entryList({"exec-*.log"});
+    ASSERT_EQ(logs.size(), 1) << run.err.toStdString();
+    EXPECT_EQ(ReadFile(temp.filePath(logs.front())), "hallo\n");
+    const QString warning = "WARN: Die Ausgabedatei " + dir.filePath(logs.front()) + " kann nicht angelegt werden";
+    EXPECT_TRUE(run.err.contains(warning) && run.err.contains(temp.filePath(logs.front()))) << run.err.toStdString();
+}
+
 // SIGTERM (a CI time-out) and SIGHUP (a closed terminal) stop a run as Ctrl-C does: the waiting Exec
 // ends and asks its Kill program to end, the run fails with its reports written.
 TEST(ExecDvrunTest, AnyStopSignalEndsTheWaitTheProgramAndTheRunWithReports)
