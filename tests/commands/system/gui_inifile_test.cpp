@@ -165,12 +165,14 @@ TEST_F(IniFileTest, AValueKeepsALeadingZeroWidthNoBreakSpace)
     EXPECT_EQ(Run(5, "S", "K"), feff + "wert");
 }
 
-// Leftovers of a writer killed mid-write go with the next write; the owner and mode of the file stay.
+// Leftovers of a writer killed mid-write go with the next write, the user's files of like names
+// stay; the owner and mode of the file stay.
 TEST_F(IniFileTest, AWriteRemovesLeftoversAndKeepsOwnerAndMode)
 {
-    const QStringList leftovers{dir.filePath(".test.ini.Ab12Cd"), dir.filePath(".test.ini.zzzzzz")};
+    const QStringList leftovers{dir.filePath(".test.ini.dvtmp-Ab12Cd"), dir.filePath(".test.ini.dvtmp-zzzzzz")};
     for (const QString& f : leftovers) WriteFile(f, "half");
-    WriteFile(dir.filePath(".other.ini.Ab12Cd"), "someone else's");
+    const QStringList kept{".other.ini.dvtmp-Ab12Cd", ".test.ini.backup", ".test.ini.orig01", ".test.ini.Ab12Cd", ".test.ini.dvtmp-Ab12C"};
+    for (const QString& f : kept) WriteFile(dir.filePath(f), "someone else's");
     const bool root = ::geteuid() == 0;
     if (root) {
         ASSERT_EQ(::chown(QFile::encodeName(path).constData(), kOtherUser, kOtherUser), 0);
@@ -178,7 +180,7 @@ TEST_F(IniFileTest, AWriteRemovesLeftoversAndKeepsOwnerAndMode)
     ASSERT_EQ(::chmod(QFile::encodeName(path).constData(), 0640), 0);
     Run(9, "Neu", "K", "1");
     for (const QString& f : leftovers) EXPECT_FALSE(QFile::exists(f)) << f.toStdString();
-    EXPECT_TRUE(QFile::exists(dir.filePath(".other.ini.Ab12Cd")));
+    for (const QString& f : kept) EXPECT_EQ(ReadFile(dir.filePath(f)), "someone else's") << f.toStdString();
     struct stat after {};
     ASSERT_EQ(::stat(QFile::encodeName(path).constData(), &after), 0);
     EXPECT_EQ(after.st_mode & 07777, 0640u);
@@ -186,6 +188,31 @@ TEST_F(IniFileTest, AWriteRemovesLeftoversAndKeepsOwnerAndMode)
         EXPECT_EQ(after.st_uid, kOtherUser);
     }
     EXPECT_EQ(ReadFile(path), kStart + "[Neu]\nK=1\n");
+}
+
+// A copy onto the file that is under way while the file is written keeps its temporary file and
+// ends as it would alone.
+TEST_F(IniFileTest, AWriteLeavesTheTemporaryFileOfACopyUnderWay)
+{
+    const QString fifo = dir.filePath("quelle");
+    ASSERT_EQ(::mkfifo(QFile::encodeName(fifo).constData(), 0600), 0);
+    QString copied = "not ended";
+    std::thread copy([&] { copied = CopyFileAtomically(fifo, path); });
+    QFile source(fifo);
+    ASSERT_TRUE(source.open(QIODevice::WriteOnly));  // the copy has opened it too
+    source.write("[Kopie]\n");
+    source.flush();
+    bool underWay = false;
+    for (int i = 0; i < 500 && !(underWay = !QDir(dir.path()).entryList({".test.ini.dvtmp-*"}, QDir::Files | QDir::Hidden).isEmpty()); ++i) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    EXPECT_TRUE(underWay);
+    EXPECT_EQ(ReplaceFileContent(path, "[S]\n"), "");
+    source.write("K=1\n");
+    source.close();
+    copy.join();
+    EXPECT_EQ(copied, "");
+    EXPECT_EQ(ReadFile(path), "[Kopie]\nK=1\n");
 }
 
 TEST(IniFileParamsTest, OlderLineForm)
