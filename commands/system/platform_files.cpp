@@ -273,6 +273,16 @@ void RemoveLeftoverTemporaries(const QByteArray& target)
     }
 }
 
+// Whether the file may be written by us: a replacement needs only the folder's permission, but a
+// file the writer may not write to (read-only, as Windows refuses to write it) is refused.
+QString RefuseUnwritable(const QByteArray& target)
+{
+    if (::faccessat(AT_FDCWD, target.constData(), W_OK, AT_EACCESS) == 0) return {};
+    const int error = errno;
+    if (error == ENOENT) return {};
+    return Format(_("keine Schreibberechtigung für die Datei (%s)"), {ErrorText(error)});
+}
+
 // Rewrites the file in place: not a single step, so only under the lock.
 QString WriteInPlace(const QByteArray& target, const QByteArray& content)
 {
@@ -293,6 +303,7 @@ QString ReplaceFileContent(const QString& path, const QByteArray& content)
     const QByteArray target = TargetPath(path);
     struct stat old {};
     if (::stat(target.constData(), &old) != 0) return ErrorText(errno);
+    if (const QString refused = RefuseUnwritable(target); !refused.isEmpty()) return refused;
     RemoveLeftoverTemporaries(target);
     const QByteArray dir = QFile::encodeName(QFileInfo(QFile::decodeName(target)).absolutePath());
     if (::access(dir.constData(), W_OK | X_OK) == 0) {
@@ -307,6 +318,7 @@ QString ReplaceFileContent(const QString& path, const QByteArray& content)
 
 QString CopyFileAtomically(const QString& source, const QString& target)
 {
+    if (const QString refused = RefuseUnwritable(TargetPath(target)); !refused.isEmpty()) return refused;
     const QByteArray from = source.toLocal8Bit();
     const int in = ::open(from.constData(), O_RDONLY | O_CLOEXEC);
     if (in < 0) return ErrorText(errno);

@@ -215,6 +215,31 @@ TEST_F(IniFileTest, AWriteLeavesTheTemporaryFileOfACopyUnderWay)
     EXPECT_EQ(ReadFile(path), "[Kopie]\nK=1\n");
 }
 
+// A write-protected file is not written, as Windows refuses it, though its folder would take a new
+// one; a copy onto it fails (silently) as well.
+TEST(IniFileFolderTest, AReadOnlyFileIsNotWritten)
+{
+    if (!CanActAsOtherUser()) GTEST_SKIP() << "running as root without setpriv";
+    QTemporaryDir dir;
+    ::chmod(QFile::encodeName(dir.path()).constData(), 0777);
+    const QString file = dir.filePath("ro.ini");
+    WriteFile(file, "[S]\nA=1\n");
+    WriteFile(dir.filePath("neu.ini"), "[S]\nA=2\n");
+    ::chmod(QFile::encodeName(file).constData(), 0444);
+    WriteFile(dir.filePath("w.dvs"), "SysUtils(Command := \"FileCopy\", FileName := \"neu.ini\", Target := \"ro.ini\")\n"
+                                     "IniFile(FileName := \"ro.ini\", Section := \"S\", Ident := \"B\", Value := \"2\", Mode := 9)\n");
+    ::chmod(QFile::encodeName(dir.filePath("w.dvs")).constData(), 0644);
+    ::chmod(QFile::encodeName(dir.filePath("neu.ini")).constData(), 0644);
+    const TDvrunRun run = RunDvrun({"w.dvs"}, dir.path(), true);
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_TRUE(run.err.contains("w.dvs:2: Die INI-Datei ro.ini kann nicht geschrieben werden: keine Schreibberechtigung"))
+        << run.err.toStdString();
+    EXPECT_EQ(ReadFile(file), "[S]\nA=1\n");
+    struct stat after {};
+    ASSERT_EQ(::stat(QFile::encodeName(file).constData(), &after), 0);
+    EXPECT_EQ(after.st_mode & 07777, 0444u);
+}
+
 TEST(IniFileParamsTest, OlderLineForm)
 {
     TDVCmdIniFiles ini(nullptr);
