@@ -189,10 +189,15 @@ TEST_F(CallNamedPipeTest, TheEchoServerAnswersPipeAndTcp)
     echoed.resize(::recv(raw.Get(), echoed.data(), size_t(echoed.size()), 0));
     EXPECT_TRUE(echoed == message) << echoed.size() << " of " << message.size() << " bytes";
     TDVCmdTCP tcp(&host);
-    TParamList params = ParamsOf(
-        {{"Host", "127.0.0.1"}, {"Port", QString::number(port)}, {"Send", "TCP-PING"}, {"Sentinel", "[10]"}, {"Result", "Antwort"}});
-    tcp.RunThreaded(params);
-    EXPECT_EQ(host.ValueText("Antwort"), "TCP-PING");
+    QString large;  // far more than one read of the server takes
+    for (int i = 0; large.size() < (1 << 20); ++i) large += QString::number(i) + ' ';
+    for (const QString& send : {QStringLiteral("TCP-PING"), large}) {
+        TParamList params =
+            ParamsOf({{"Host", "127.0.0.1"}, {"Port", QString::number(port)}, {"Send", send}, {"Sentinel", "[10]"}, {"Result", "Antwort"}});
+        tcp.RunThreaded(params);
+        const QString reply = host.ValueText("Antwort");
+        EXPECT_TRUE(reply == send) << reply.size() << " of " << send.size() << " characters";
+    }
     echo.terminate();
     ASSERT_TRUE(echo.waitForFinished(5000));
     EXPECT_FALSE(QFile::exists(localpipe::EndpointPath(name)));  // the server removes its endpoint
