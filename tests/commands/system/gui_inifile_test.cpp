@@ -135,6 +135,9 @@ TEST_F(IniFileTest, FilesKeepTheirEncoding)
         {"UTF-16LE", Utf16(u"[S]\r\nK=Grüße\r\n", false), Utf16(u"[S]\r\nK=Grüße\r\nN=€ü\r\n", false)},
         {"UTF-16BE", Utf16(u"[S]\nK=Grüße\n", true), Utf16(u"[S]\nK=Grüße\nN=€ü\n", true)},
         {"Windows-1252", "[S]\nK=Gr\xFC\xDF" "e\n", "[S]\nK=Gr\xFC\xDF" "e\nN=\x80\xFC\n"},
+        // the five bytes the code page leaves undefined come back as they were
+        {"Windows-1252 undefined", "[S]\nU=\x81\x8D\x8F\x90\x9D\nK=Gr\xFC\xDF" "e\n",
+         "[S]\nU=\x81\x8D\x8F\x90\x9D\nK=Gr\xFC\xDF" "e\nN=\x80\xFC\n"},
         {"UTF-8 BOM", "\xEF\xBB\xBF[S]\nK=Grüße\n", "\xEF\xBB\xBF[S]\nK=Grüße\nN=€ü\n"},
     };
     for (const auto& row : rows) {
