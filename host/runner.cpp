@@ -86,12 +86,15 @@ void TScriptRun::Run()
     auto fail = [&](const QString& message) {
         report_.errors << QStringLiteral("%1:%2: %3").arg(fileName_).arg(ex.line).arg(message);
     };
+    const auto stopped = [&] { return host_.StoppedByCommand() ? _("Test durch einen Befehl beendet") : _("Test abgebrochen"); };
     try {
         host_.RunMain();
     } catch (const TRunStopped&) {
-        fail(host_.StoppedByCommand() ? _("Test durch einen Befehl beendet") : _("Test abgebrochen"));
+        fail(stopped());
     } catch (const TDravikException& e) {
-        fail(e.Message());
+        // A command that the stop ended early may fail for it (a pipe not reached in time): the
+        // run was stopped, and that is what it reports.
+        fail(host_.GetRunControl().StopRequested() ? stopped() : e.Message());
     } catch (const std::exception& e) {
         fail(QString::fromLocal8Bit(e.what()));
     } catch (...) {

@@ -173,16 +173,22 @@ void TDVCmdStartEXE::RunThreaded(TParamList& params)
     // Minimized has no counterpart: a started program opens its windows as it likes.
     const bool kill = StrToBoolEx(params.GetString(kKill), false);
     const std::uint32_t limitMs = ExecWaitLimitMs(NumberParam(params, kTimeOut), NumberParam(params, kDelay));
-    if (workDir.isEmpty()) workDir = ExecDefaultWorkDir(exePath);
+    if (workDir.isEmpty()) {
+        workDir = ExecDefaultWorkDir(exePath);
+        // The path part of a quoted ExePath begins with its quote, which belongs to the program's
+        // name, not to the folder.
+        if (workDir.startsWith('"')) workDir.remove(0, 1);
+    }
     TStartAttempt attempt{ExecCommandLine(exePath, params.GetString(kParams)), {}, workDir};
 
     const THostHider hider(hide);
-    QStringList argv = SplitCommandLine(attempt.commandLine);
+    QStringList argv = SplitCommandLine(attempt.commandLine, IsProgramFile);
     if (argv.isEmpty()) StartFailed(attempt, _("Keine Anwendung angegeben"));
     argv.front() = attempt.program = ResolveProgramPath(argv.front());
     if (!workDir.isEmpty() && !QFileInfo(workDir).isDir()) StartFailed(attempt, _("Das Arbeitsverzeichnis existiert nicht"));
     const TProgramOutput output;
-    if (output.Fd() < 0) StartFailed(attempt, Format(_("Ausgabedatei %s: %s"), {output.Path(), output.Error()}));
+    if (output.Fd() < 0) StartFailed(attempt, Format(_("Ausgabedatei %s: %s"), {ProgramOutputPath(), output.Error()}));
+    if (!output.Warning().isEmpty()) SystemLog.Warn(output.Warning());
     TChildProcess child;
     if (const QString error = child.Start(argv, workDir, output.Fd()); !error.isEmpty()) StartFailed(attempt, error);
     SystemLog.Debug(Format(_("Ausgabe von %s (PID %d): %s"), {attempt.program, QString::number(child.Pid()), output.Path()}));

@@ -13,7 +13,8 @@ std::uint32_t ExecWaitLimitMs(long double timeOutSeconds, long double delaySecon
 // The result of a program that ended with exitCode: 0 for 0, else exitCode - 65536.
 std::int32_t ExecResultOf(int exitCode);
 inline constexpr std::int32_t kExecNotEnded = -2;  // time-out or stop event
-// The working directory used when none is given: the path part of ExePath as written.
+// The working directory when none is given: the path part of ExePath as written, the quote of a
+// quoted ExePath included (the program starts in that folder without it).
 QString ExecDefaultWorkDir(const QString& exePath);
 // ExePath, and " " + Params when Params is not empty.
 QString ExecCommandLine(const QString& exePath, const QString& params);

@@ -28,6 +28,10 @@ namespace {
 const QString kLocalPrefix = QStringLiteral("\\\\.\\pipe\\");
 // The part of a socket's send buffer that a Unix-domain packet cannot use.
 constexpr int kPacketOverhead = 32;
+// The largest packet sent. The kernel builds a packet of one block of memory and at most 17 pages:
+// with 4 KiB pages and its 4 MiB limit for one block, a little more than 4 MiB in all (beyond that
+// the send fails with ENOBUFS, whatever the send buffer). A round 4 MiB is within that everywhere.
+constexpr int kLargestPacket = 4 << 20;
 
 [[noreturn]] void Fail(const QString& reason)
 {
@@ -116,20 +120,28 @@ int LargestMessage(int fd)
     int size = 0;
     socklen_t length = sizeof size;
     ::getsockopt(fd, SOL_SOCKET, SO_SNDBUF, &size, &length);
-    return std::max(0, size - kPacketOverhead);
+    return std::clamp(size - kPacketOverhead, 0, kLargestPacket);
+}
+
+[[noreturn]] void FailTooLong(int fd, qsizetype size)
+{
+    Fail(Format(_("Die Nachricht ist mit %d Bytes zu lang: das System lässt höchstens %d Bytes in einer Nachricht zu."),
+                {QString::number(size), QString::number(LargestMessage(fd))}));
 }
 
 // Sends the message as one packet; false when the stop event came first.
 bool SendMessage(int fd, const QByteArray& message, const TRunControl* stop)
 {
     FitSendBuffer(fd, message.size());
+    if (message.size() > LargestMessage(fd)) FailTooLong(fd, message.size());
     for (;;) {
         if (::send(fd, message.constData(), static_cast<size_t>(message.size()), MSG_NOSIGNAL) >= 0) return true;
         if (errno == EINTR) continue;
-        if (errno == EMSGSIZE) {
-            Fail(Format(_("Die Nachricht ist mit %d Bytes zu lang: das System lässt höchstens %d Bytes in einer "
-                          "Nachricht zu."),
-                        {QString::number(message.size()), QString::number(LargestMessage(fd))}));
+        if (errno == EMSGSIZE) FailTooLong(fd, message.size());
+        if (errno == ENOBUFS) {  // the one block of the packet could not be had (memory too fragmented)
+            Fail(Format(_("Die Nachricht mit %d Bytes kann nicht als ein Paket gesendet werden: dem System fehlt "
+                          "zusammenhängender Speicher dafür (%s)."),
+                        {QString::number(message.size()), qt_error_string(ENOBUFS)}));
         }
         if (errno != EAGAIN) Fail(qt_error_string(errno));
         if (WaitForEvents({{fd, POLLOUT}}, stop, -1) == TWaitResult::Stopped) return false;

@@ -81,7 +81,10 @@ bool HoldsLock(const QByteArray& path)
     return locked;
 }
 
-constexpr char kTempSuffix[] = ".XXXXXX";
+// Temporary files are ".<name>" + this suffix, the X replaced by six letters or digits: a pattern
+// of their own, so that removing leftovers never touches a file of the user's.
+constexpr char kTempSuffix[] = ".dvtmp-XXXXXX";
+constexpr qsizetype kTempRandomPart = 6;
 
 // The file a name stands for: a symbolic link is followed.
 QByteArray TargetPath(const QString& path)
@@ -112,11 +115,25 @@ public:
     {
         target_ = TargetPath(target);
         dir_ = QFileInfo(QString::fromLocal8Bit(target_)).absolutePath().toLocal8Bit();
-        temp_ = dir_ + "/." + QFileInfo(QString::fromLocal8Bit(target_)).fileName().toLocal8Bit() + kTempSuffix;
-        fd_ = ::mkostemp(temp_.data(), O_CLOEXEC);
-        if (fd_ < 0) {
-            error_ = errno;
-            return;
+        const QByteArray pattern = dir_ + "/." + QFileInfo(QString::fromLocal8Bit(target_)).fileName().toLocal8Bit() + kTempSuffix;
+        // The lock is held until the file is renamed: another writer's sweep takes only files whose
+        // writer is gone (the system has released its lock). A sweep that came between the file's
+        // making and the lock has removed it; then the writer makes another.
+        for (int tries = 0;; ++tries) {
+            temp_ = pattern;
+            fd_ = ::mkostemp(temp_.data(), O_CLOEXEC);
+            if (fd_ < 0) {
+                error_ = errno;
+                return;
+            }
+            struct stat made {};
+            if (::flock(fd_, LOCK_EX) != 0 || ::fstat(fd_, &made) != 0 || made.st_nlink > 0) break;
+            ::close(fd_);
+            if (tries == 10) {
+                fd_ = -1;
+                error_ = ENOENT;
+                return;
+            }
         }
         created_ = true;
         if (owner && (owner->st_uid != ::geteuid() || owner->st_gid != ::getegid()) &&
@@ -144,9 +161,9 @@ public:
     QString Commit()
     {
         if (error_ == 0 && ::fsync(fd_) != 0) error_ = errno;
-        if (fd_ >= 0 && ::close(fd_) != 0 && error_ == 0) error_ = errno;
-        fd_ = -1;
         if (error_ == 0 && ::rename(temp_.constData(), target_.constData()) != 0) error_ = errno;
+        if (fd_ >= 0 && ::close(fd_) != 0 && error_ == 0) error_ = errno;  // the lock goes after the rename
+        fd_ = -1;
         if (error_ != 0) return ErrorText(error_);
         committed_ = true;
         const int dirFd = ::open(dir_.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
@@ -237,21 +254,33 @@ TFileLock::~TFileLock()
 
 namespace {
 
-// Temporary files of this file that a writer left when it was killed: ".<name>." and the six
-// letters or digits mkostemp puts in place of the X.
+// Temporary files of this file that a writer left when it was killed: the writer's own pattern,
+// and no live writer's lock on them (a copy onto the file may be under way).
 void RemoveLeftoverTemporaries(const QByteArray& target)
 {
     const QFileInfo info(QFile::decodeName(target));
-    const QString prefix = '.' + info.fileName() + '.';
-    const qsizetype randomPart = static_cast<qsizetype>(sizeof kTempSuffix) - 2;  // less the dot and the final zero
+    const QString prefix = '.' + info.fileName() + QLatin1String(kTempSuffix).chopped(kTempRandomPart);
     const QDir dir = info.absoluteDir();
     for (const QString& name : dir.entryList(QDir::Files | QDir::Hidden | QDir::System)) {
-        if (name.size() != prefix.size() + randomPart || !name.startsWith(prefix)) continue;
+        if (name.size() != prefix.size() + kTempRandomPart || !name.startsWith(prefix)) continue;
         const QStringView random = QStringView(name).sliced(prefix.size());
-        if (std::all_of(random.begin(), random.end(), [](QChar c) { return c.isLetterOrNumber() && c.unicode() < 128; })) {
-            ::unlink(QFile::encodeName(dir.filePath(name)).constData());
-        }
+        if (!std::all_of(random.begin(), random.end(), [](QChar c) { return c.isLetterOrNumber() && c.unicode() < 128; })) continue;
+        const QByteArray path = QFile::encodeName(dir.filePath(name));
+        const int fd = ::open(path.constData(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW);
+        if (fd < 0) continue;
+        if (::flock(fd, LOCK_EX | LOCK_NB) == 0) ::unlink(path.constData());  // under the lock: see TAtomicWriter
+        ::close(fd);
     }
+}
+
+// Whether the file may be written by us: a replacement needs only the folder's permission, but a
+// file the writer may not write to (read-only, as Windows refuses to write it) is refused.
+QString RefuseUnwritable(const QByteArray& target)
+{
+    if (::faccessat(AT_FDCWD, target.constData(), W_OK, AT_EACCESS) == 0) return {};
+    const int error = errno;
+    if (error == ENOENT) return {};
+    return Format(_("keine Schreibberechtigung für die Datei (%s)"), {ErrorText(error)});
 }
 
 // Rewrites the file in place: not a single step, so only under the lock.
@@ -274,6 +303,7 @@ QString ReplaceFileContent(const QString& path, const QByteArray& content)
     const QByteArray target = TargetPath(path);
     struct stat old {};
     if (::stat(target.constData(), &old) != 0) return ErrorText(errno);
+    if (const QString refused = RefuseUnwritable(target); !refused.isEmpty()) return refused;
     RemoveLeftoverTemporaries(target);
     const QByteArray dir = QFile::encodeName(QFileInfo(QFile::decodeName(target)).absolutePath());
     if (::access(dir.constData(), W_OK | X_OK) == 0) {
@@ -288,6 +318,7 @@ QString ReplaceFileContent(const QString& path, const QByteArray& content)
 
 QString CopyFileAtomically(const QString& source, const QString& target)
 {
+    if (const QString refused = RefuseUnwritable(TargetPath(target)); !refused.isEmpty()) return refused;
     const QByteArray from = source.toLocal8Bit();
     const int in = ::open(from.constData(), O_RDONLY | O_CLOEXEC);
     if (in < 0) return ErrorText(errno);

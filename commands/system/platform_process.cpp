@@ -1,10 +1,13 @@
 #include "commands/system/platform_process.h"
 
 #include "framework/services.h"
+#include "framework/translate.h"
 #include "framework/waitevents.h"
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
+#include <QStandardPaths>
 
 #include <fcntl.h>
 #include <poll.h>
@@ -31,13 +34,22 @@ namespace {
 
 bool IsBlank(QChar c) { return c == ' ' || c == '\t'; }
 
-// The program name: quoted up to the next quote, else up to the first blank; no escapes.
-QString TakeProgramName(const QString& line, qsizetype& i)
+// The program name: quoted up to the next quote, else up to the first blank; no escapes. Unquoted,
+// the first text up to a blank (or the line's end) that isProgram accepts, when one is.
+QString TakeProgramName(const QString& line, qsizetype& i, const std::function<bool(const QString&)>& isProgram)
 {
     while (i < line.size() && IsBlank(line[i])) ++i;
     const bool quoted = i < line.size() && line[i] == '"';
     if (quoted) ++i;
     const qsizetype start = i;
+    for (qsizetype end = start; !quoted && isProgram && end <= line.size(); ++end) {
+        if (end < line.size() && !IsBlank(line[end])) continue;
+        const QString candidate = line.mid(start, end - start);
+        if (!candidate.isEmpty() && isProgram(candidate)) {
+            i = end;
+            return candidate;
+        }
+    }
     while (i < line.size() && (quoted ? line[i] != '"' : !IsBlank(line[i]))) ++i;
     const QString name = line.mid(start, i - start);
     if (quoted && i < line.size()) ++i;
@@ -46,10 +58,10 @@ QString TakeProgramName(const QString& line, qsizetype& i)
 
 }  // namespace
 
-QStringList SplitCommandLine(const QString& commandLine)
+QStringList SplitCommandLine(const QString& commandLine, const std::function<bool(const QString&)>& isProgram)
 {
     qsizetype i = 0;
-    QStringList words{TakeProgramName(commandLine, i)};
+    QStringList words{TakeProgramName(commandLine, i, isProgram)};
     if (words.front().isEmpty() && i >= commandLine.size()) return {};
     QString word;
     bool inWord = false;
@@ -91,6 +103,12 @@ QString ResolveProgramPath(const QString& program)
 {
     if (!program.contains('/') || program.startsWith('/')) return program;
     return QDir::cleanPath(QDir::current().absoluteFilePath(program));
+}
+
+bool IsProgramFile(const QString& program)
+{
+    if (!program.contains('/')) return !QStandardPaths::findExecutable(program).isEmpty();
+    return QFileInfo(ResolveProgramPath(program)).isFile();
 }
 
 namespace {
@@ -139,29 +157,46 @@ struct TSpawnSetup {
     }
 };
 
-std::mutex g_outputFolderMutex;
+std::mutex g_outputMutex;
 QString g_outputFolder;
+QString g_lastRefusedOutput;  // the output file last warned about, so a loop of starts warns once
+
+QString OutputPathIn(const QString& folder) { return QDir(folder).absoluteFilePath(QStringLiteral("exec-%1.log").arg(::getpid())); }
 
 }  // namespace
 
 void SetProgramOutputFolder(const QString& folder)
 {
-    std::lock_guard lock(g_outputFolderMutex);
+    std::lock_guard lock(g_outputMutex);
     g_outputFolder = folder;
 }
 
 QString ProgramOutputPath()
 {
-    std::lock_guard lock(g_outputFolderMutex);
-    const QString folder = g_outputFolder.isEmpty() ? QDir::currentPath() : g_outputFolder;
-    return QDir(folder).absoluteFilePath(QStringLiteral("exec-%1.log").arg(::getpid()));
+    std::lock_guard lock(g_outputMutex);
+    return OutputPathIn(g_outputFolder.isEmpty() ? QDir::currentPath() : g_outputFolder);
 }
 
 TProgramOutput::TProgramOutput()
-    : path_(ProgramOutputPath()),
-      fd_(::open(QFile::encodeName(path_).constData(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0666))
 {
-    if (fd_ < 0) error_ = ErrorText(errno);
+    const QString named = ProgramOutputPath();
+    for (const QString& path : {named, OutputPathIn(QDir::tempPath()), QStringLiteral("/dev/null")}) {
+        fd_ = ::open(QFile::encodeName(path).constData(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0666);
+        if (fd_ >= 0) {
+            path_ = path;
+            break;
+        }
+        if (error_.isEmpty()) error_ = ErrorText(errno);
+    }
+    if (fd_ < 0 || path_ == named) return;
+    std::lock_guard lock(g_outputMutex);
+    if (g_lastRefusedOutput == named) return;
+    g_lastRefusedOutput = named;
+    warning_ = path_ == QStringLiteral("/dev/null")
+                   ? Format(_("Die Ausgabedatei %s kann nicht angelegt werden: %s; die Ausgabe gestarteter Programme wird verworfen."),
+                            {named, error_})
+                   : Format(_("Die Ausgabedatei %s kann nicht angelegt werden: %s; die Ausgabe gestarteter Programme geht nach %s."),
+                            {named, error_, path_});
 }
 
 TProgramOutput::~TProgramOutput()

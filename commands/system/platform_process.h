@@ -5,6 +5,7 @@
 #include <QStringList>
 
 #include <cstdint>
+#include <functional>
 #include <sys/types.h>
 
 namespace dv {
@@ -18,7 +19,14 @@ class TRunControl;
 // quotes; a run of backslashes is literal unless a quote follows it, then each pair gives one
 // backslash and an odd one out makes the quote literal; "" inside quotes is one literal quote;
 // ' is an ordinary character. A quote left open runs to the end of the line.
-QStringList SplitCommandLine(const QString& commandLine);
+// With isProgram, an unquoted program name is looked for as the Windows start looks for it, so that
+// a path with blanks needs no quotes: the text up to each blank in turn, then the whole line, and
+// the first that isProgram accepts is the program; when none is, the name ends at the first blank.
+QStringList SplitCommandLine(const QString& commandLine, const std::function<bool(const QString&)>& isProgram = {});
+
+// Whether a program name names an existing file: a path (holding a '/') as ResolveProgramPath takes
+// it, a bare name as an executable on PATH.
+bool IsProgramFile(const QString& program);
 
 // A program path that holds a '/' and is relative is taken from the current directory, before the
 // child changes to its working directory; a bare name stays as it is for the PATH search.
@@ -30,8 +38,10 @@ QString ResolveProgramPath(const QString& program);
 void SetProgramOutputFolder(const QString& folder);
 QString ProgramOutputPath();
 
-// The output file, opened for appending (created when missing); Fd() -1 and Error() the system's
-// text when that failed.
+// The output file, opened for appending (created when missing). When the folder takes no file
+// (a shared read-only script folder), the same name in the temporary folder stands in, else
+// /dev/null, and Warning() says so once per file that could not be made. Fd() -1 and Error() the
+// system's text when nothing could be opened.
 class TProgramOutput {
 public:
     TProgramOutput();
@@ -41,11 +51,13 @@ public:
     int Fd() const { return fd_; }
     const QString& Path() const { return path_; }
     const QString& Error() const { return error_; }
+    const QString& Warning() const { return warning_; }
 
 private:
     QString path_;
     QString error_;
-    int fd_;
+    QString warning_;
+    int fd_ = -1;
 };
 
 enum class TChildWait {

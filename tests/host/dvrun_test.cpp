@@ -7,7 +7,11 @@
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
+#include <QThread>
 
+#include <sys/stat.h>
+
+#include <chrono>
 #include <csignal>
 
 namespace {
@@ -53,13 +57,16 @@ protected:
         return Finished(p);
     }
     // Runs a script that prints a line when it has started, then presses Ctrl-C once.
-    TRun Interrupt(const QString& script)
+    TRun Interrupt(const QString& script) { return Signalled(script, SIGINT); }
+    // The same with another signal, sent waitMs after the line.
+    TRun Signalled(const QString& script, int signal, const QStringList& options = {}, unsigned long waitMs = 0)
     {
         QProcess p;
-        Start(p, {script});
+        Start(p, options + QStringList{script});
         if (!p.waitForStarted(10000)) return {-1, {}, {}, false};
         while (p.state() == QProcess::Running && !p.canReadLine()) p.waitForReadyRead(10000);
-        ::kill(static_cast<pid_t>(p.processId()), SIGINT);
+        QThread::msleep(waitMs);
+        ::kill(static_cast<pid_t>(p.processId()), signal);
         return Finished(p);
     }
     QTemporaryDir dir;
@@ -179,6 +186,27 @@ TEST_F(Dvrun, ConvertedSystemLinesWithPathsRun)
     EXPECT_EQ(QString::fromUtf8(where.readAll()), d + "/work dir\neins\n");
 }
 
+// An older Exec line whose program path holds blanks, bare or in quotes, runs that program in its
+// folder once converted.
+TEST_F(Dvrun, ConvertedExecOfAProgramWithBlanksRuns)
+{
+    ASSERT_TRUE(QDir(dir.path()).mkpath("work dir"));
+    const QString prog = Script("work dir/my prog.sh", "#!/bin/sh\npwd >> wo.txt\necho \"$1\" >> wo.txt\nexit 2\n");
+    QFile::setPermissions(prog, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    const QString older = "var N : Misc\n"
+                          "Exec(" + prog + ",Param:bar,Pfad:,Result:N,TimeOut:5,V:False);\nLog(N)\n"
+                          "Exec(\"" + prog + "\",Param:zitiert,Pfad:,Result:N,TimeOut:5,V:False);\nLog(N)\n";
+    const TRun converted = Run({"--convert", Script("alt.dvs", older)});
+    ASSERT_EQ(converted.exitCode, 0) << converted.err.toStdString();
+    const TRun run = Run({Script("neu.dvs", converted.out)});
+    EXPECT_EQ(run.exitCode, 0) << converted.out.toStdString() << run.err.toStdString();
+    EXPECT_EQ(run.out, "-65534\n-65534\n") << converted.out.toStdString();
+    QFile where(dir.filePath("work dir/wo.txt"));
+    ASSERT_TRUE(where.open(QIODevice::ReadOnly));
+    const QString folder = dir.filePath("work dir");
+    EXPECT_EQ(QString::fromUtf8(where.readAll()), folder + "\nbar\n" + folder + "\nzitiert\n");
+}
+
 TEST_F(Dvrun, ConvertWarnsOfLinesItKeeps)
 {
     const QString older = "var A : Array of Number\nHexToInt(IN:FF,OUT:A[1]):0;\n";
@@ -275,6 +303,43 @@ TEST_F(Dvrun, CtrlCStopsEveryKindOfWork)
             EXPECT_TRUE(r.err.startsWith(QStringLiteral("%1:%2:").arg(script).arg(c.line))) << r.err.toStdString();
         }
     }
+}
+
+// A stop while a pipe is tried reads as any stop, not as the pipe's failure.
+TEST_F(Dvrun, SigtermWhileAPipeIsTriedIsAStop)
+{
+    const QString script = Script("pipe.dvs", "var R : String\nLog(\"los\")\n"
+                                              "CallNamedPipe(Name := \"dvtest-fehlt-" + QString::number(::getpid()) +
+                                              "\", Call := \"x\", Result := R)\n");
+    const QString junit = dir.filePath("pipe.xml");
+    const TRun r = Signalled(script, SIGTERM, {"--junit", junit}, 500);
+    EXPECT_EQ(r.exitCode, 1);
+    EXPECT_TRUE(r.err.startsWith(script + ":3: Test abgebrochen")) << r.err.toStdString();
+    QFile report(junit);
+    ASSERT_TRUE(report.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(report.readAll().contains("Test abgebrochen"));
+}
+
+// A command that does not heed the first signal (a copy from a pipe nobody writes to): the second
+// ends dvrun at once.
+TEST_F(Dvrun, ASecondSignalEndsAtOnce)
+{
+    const QString fifo = dir.filePath("fifo");
+    ASSERT_EQ(::mkfifo(QFile::encodeName(fifo).constData(), 0600), 0);
+    const QString script = Script("fifo.dvs", "Log(\"los\")\nSysUtils(Command := \"FileCopy\", FileName := \"" + fifo +
+                                              "\", Target := \"" + dir.filePath("kopie") + "\")\n");
+    QProcess p;
+    Start(p, {script});
+    ASSERT_TRUE(p.waitForReadyRead(10000));
+    QThread::msleep(200);
+    ::kill(static_cast<pid_t>(p.processId()), SIGTERM);
+    EXPECT_FALSE(p.waitForFinished(300)) << "the copy was to hold the first signal off";
+    const auto second = std::chrono::steady_clock::now();
+    ::kill(static_cast<pid_t>(p.processId()), SIGTERM);
+    ASSERT_TRUE(p.waitForFinished(5000));
+    EXPECT_LT(std::chrono::steady_clock::now() - second, std::chrono::milliseconds(500));
+    EXPECT_EQ(p.exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(p.exitCode(), 1);
 }
 
 TEST_F(Dvrun, BuiltinDomainErrorsNameTheFunction)

@@ -1,9 +1,10 @@
 // dvpipe-echo: answers CallNamedPipe and TCP for tests and examples.
 //   dvpipe-echo [--pipe NAME] [--tcp PORT] [--exit-after SECONDS]
-// A pipe message is answered with the same bytes, one reply per connection. Each piece of data that
-// arrives on a TCP connection is answered with the same bytes followed by CR LF, so a TCP call with
-// the default sentinel gets back what it sent. "ready" on stdout says both are listening; SIGINT,
-// SIGTERM or the time limit end the server and remove the pipe endpoint.
+// A pipe message is answered with the same bytes, one reply per connection. A TCP message (what
+// arrives on a connection until it has been quiet for kTcpQuietMs) is answered with the same bytes
+// followed by CR LF, so a TCP call with the default sentinel gets back what it sent, however long.
+// "ready" on stdout says both are listening; SIGINT, SIGTERM or the time limit end the server and
+// remove the pipe endpoint.
 #include "commands/system/localpipe.h"
 #include "framework/exceptions.h"
 
@@ -64,9 +65,14 @@ dv::TSocketFd ListenTcp(int port)
     return fd;
 }
 
+// TCP has no message boundaries: a message has ended when nothing more arrives for this long.
+constexpr auto kTcpQuietMs = std::chrono::milliseconds(50);
+
 struct TClient {
     dv::TSocketFd fd;
     bool pipe;
+    QByteArray received;  // TCP: the message so far
+    std::chrono::steady_clock::time_point lastData{};
 };
 
 // A pipe message is answered whole, however long: the packet is measured before it is read, and
@@ -91,7 +97,7 @@ bool AnswerPipe(int fd)
     return false;
 }
 
-// Answers one readable client; false when the connection is done.
+// Reads from one readable client; false when the connection is done.
 bool Answer(TClient& client)
 {
     if (client.pipe) return AnswerPipe(client.fd.Get());
@@ -99,9 +105,24 @@ bool Answer(TClient& client)
     const ssize_t n = ::recv(client.fd.Get(), buffer, sizeof buffer, 0);
     if (n < 0) return errno == EINTR;
     if (n == 0) return false;
-    QByteArray reply(buffer, n);
-    reply += "\r\n";
-    return ::send(client.fd.Get(), reply.constData(), static_cast<size_t>(reply.size()), MSG_NOSIGNAL) == reply.size();
+    client.received.append(buffer, n);
+    client.lastData = std::chrono::steady_clock::now();
+    return true;
+}
+
+// Echoes a TCP message that has ended; false when the connection is done.
+bool EchoEndedMessage(TClient& client)
+{
+    if (client.pipe || client.received.isEmpty() || std::chrono::steady_clock::now() - client.lastData < kTcpQuietMs) return true;
+    const QByteArray reply = client.received + "\r\n";
+    client.received.clear();
+    for (qsizetype sent = 0; sent < reply.size();) {
+        const ssize_t n = ::send(client.fd.Get(), reply.constData() + sent, static_cast<size_t>(reply.size() - sent), MSG_NOSIGNAL);
+        if (n < 0 && errno == EINTR) continue;
+        if (n <= 0) return false;
+        sent += n;
+    }
+    return true;
 }
 
 }  // namespace
@@ -139,15 +160,23 @@ int main(int argc, char** argv)
     while (!g_quit) {
         if (options.exitAfterSeconds > 0 && std::chrono::steady_clock::now() >= deadline) break;
         std::vector<pollfd> polls{{pipeListener.Get(), POLLIN, 0}, {tcpListener.Get(), POLLIN, 0}};
-        for (const TClient& c : clients) polls.push_back({c.fd.Get(), POLLIN, 0});
-        if (::poll(polls.data(), polls.size(), 200) <= 0) continue;
-        for (std::size_t i = clients.size(); i-- > 0;) {
-            if (polls[i + 2].revents && !Answer(clients[i])) clients.erase(clients.begin() + static_cast<std::ptrdiff_t>(i));
+        int waitMs = 200;
+        for (const TClient& c : clients) {
+            polls.push_back({c.fd.Get(), POLLIN, 0});
+            if (!c.received.isEmpty()) waitMs = static_cast<int>(kTcpQuietMs.count());
         }
+        const int ready = ::poll(polls.data(), polls.size(), waitMs);
+        for (std::size_t i = clients.size(); i-- > 0;) {
+            const bool readable = ready > 0 && polls[i + 2].revents;
+            if ((readable && !Answer(clients[i])) || !EchoEndedMessage(clients[i])) {
+                clients.erase(clients.begin() + static_cast<std::ptrdiff_t>(i));
+            }
+        }
+        if (ready <= 0) continue;
         for (int l = 0; l < 2; ++l) {
             if (!(polls[static_cast<std::size_t>(l)].revents & POLLIN)) continue;
             dv::TSocketFd accepted(::accept4(polls[static_cast<std::size_t>(l)].fd, nullptr, nullptr, SOCK_CLOEXEC));
-            if (accepted.Valid()) clients.push_back({std::move(accepted), l == 0});
+            if (accepted.Valid()) clients.push_back({std::move(accepted), l == 0, {}, {}});
         }
     }
     if (!pipePath.isEmpty()) QFile::remove(pipePath);

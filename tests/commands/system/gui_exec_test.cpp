@@ -44,6 +44,22 @@ TEST(ExecArithmeticTest, CommandLineIsSplitAsWindowsReadsIt)
     for (const auto& [line, words] : rows) EXPECT_EQ(SplitCommandLine(QString::fromUtf8(line)), words) << line;
 }
 
+// Unquoted, the program is the first text up to a blank (or the whole line) that names a program.
+TEST(ExecArithmeticTest, AnUnquotedProgramWithBlanksIsFoundAsWindowsFindsIt)
+{
+    const QStringList programs{"/p/work dir/my prog.sh", "/p/a", "x y"};
+    const auto isProgram = [&programs](const QString& name) { return programs.contains(name); };
+    const std::pair<const char*, QStringList> rows[] = {
+        {R"(/p/work dir/my prog.sh a "b c")", {"/p/work dir/my prog.sh", "a", "b c"}},
+        {"/p/work dir/my prog.sh", {"/p/work dir/my prog.sh"}},
+        {"/p/a b/c", {"/p/a", "b/c"}},                    // the first that exists wins
+        {"/q/none here -x", {"/q/none", "here", "-x"}},    // none exists: up to the first blank
+        {R"("/p/a b" c)", {"/p/a b", "c"}},               // quoted: taken as it stands
+        {"x y\tz", {"x y", "z"}},
+    };
+    for (const auto& [line, words] : rows) EXPECT_EQ(SplitCommandLine(QString::fromUtf8(line), isProgram), words) << line;
+}
+
 class ExecRunTest : public ::testing::Test {
 protected:
     ExecRunTest()
@@ -151,6 +167,27 @@ Check(R = 6 - 65536, "%PROJEKTPFAD%/tool.sh")
     EXPECT_EQ(run.exitCode, 0) << run.err.toStdString();
 }
 
+// A program path with blanks as the editor's file button writes it (quoted in the script, so the
+// value has no quotes) and with quotes of its own in the value; without a WorkDir it runs in its folder.
+TEST(ExecDvrunTest, AProgramWhosePathHoldsBlanksRunsInItsFolder)
+{
+    QTemporaryDir dir;
+    ASSERT_TRUE(QDir(dir.path()).mkpath("work dir"));
+    const QString prog = dir.filePath("work dir/my prog.sh");
+    WriteProgram(prog, R"(pwd > "$1.txt"; echo "$2" >> "$1.txt"; exit 3)");
+    const QByteArray p = prog.toUtf8();
+    WriteFile(dir.filePath("run.dvs"), "var R : Number\n"
+                                       "Exec(ExePath := \"" + p + "\", Params := \"editor \"\"a b\"\"\", Return := R, TimeOut := 10)\n"
+                                       "Check(R = 3 - 65536, \"editor\")\n"
+                                       "Exec(ExePath := \"\"\"" + p + "\"\"\", Params := \"quoted c\", Return := R, TimeOut := 10)\n"
+                                       "Check(R = 3 - 65536, \"quoted\")\n");
+    const TDvrunRun run = RunDvrun({"run.dvs"}, dir.path());
+    EXPECT_EQ(run.exitCode, 0) << run.err.toStdString();
+    const QByteArray folder = dir.filePath("work dir").toUtf8();
+    EXPECT_EQ(ReadFile(dir.filePath("work dir/editor.txt")), folder + "\na b\n");
+    EXPECT_EQ(ReadFile(dir.filePath("work dir/quoted.txt")), folder + "\nc\n");
+}
+
 // dvrun's output ends with dvrun, even when a program it started runs on: `x=$(dvrun ...)` returns.
 TEST(ExecDvrunTest, AStartedProgramDoesNotHoldTheHostsOutput)
 {
@@ -171,6 +208,31 @@ Log("fertig")
     ASSERT_EQ(logs.size(), 1);
     EXPECT_EQ(ReadFile(dir.filePath(logs.front())), "gestartet\n");
     EXPECT_TRUE(QString::fromUtf8(shell.readAllStandardError()).contains(dir.filePath(logs.front())));
+}
+
+// A script folder that takes no file (installed examples, another user's checkout): the programs'
+// output goes to the temporary folder, and the log says where.
+TEST(ExecDvrunTest, AReadOnlyScriptFolderSendsTheOutputToTheTemporaryFolder)
+{
+    if (!CanActAsOtherUser()) GTEST_SKIP() << "running as root without setpriv";
+    QTemporaryDir dir;
+    QTemporaryDir temp;
+    WriteFile(dir.filePath("run.dvs"), R"(var R : Number
+Exec(ExePath := "sh", Params := "-c ""echo hallo""", Return := R, TimeOut := 10)
+Check(R = 0, "Exec")
+)");
+    ::chmod(QFile::encodeName(dir.filePath("run.dvs")).constData(), 0644);
+    ::chmod(QFile::encodeName(dir.path()).constData(), 0555);
+    ::chmod(QFile::encodeName(temp.path()).constData(), 01777);
+    const TScopedEnvironment tmpdir("TMPDIR", QFile::encodeName(temp.path()));
+    const TDvrunRun run = RunDvrun({dir.filePath("run.dvs")}, temp.path(), true);
+    ::chmod(QFile::encodeName(dir.path()).constData(), 0755);
+    EXPECT_EQ(run.exitCode, 0) << run.err.toStdString();
+    const QStringList logs = QDir(temp.path()).entryList({"exec-*.log"});
+    ASSERT_EQ(logs.size(), 1) << run.err.toStdString();
+    EXPECT_EQ(ReadFile(temp.filePath(logs.front())), "hallo\n");
+    const QString warning = "WARN: Die Ausgabedatei " + dir.filePath(logs.front()) + " kann nicht angelegt werden";
+    EXPECT_TRUE(run.err.contains(warning) && run.err.contains(temp.filePath(logs.front()))) << run.err.toStdString();
 }
 
 // SIGTERM (a CI time-out) and SIGHUP (a closed terminal) stop a run as Ctrl-C does: the waiting Exec

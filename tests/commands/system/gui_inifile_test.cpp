@@ -135,6 +135,9 @@ TEST_F(IniFileTest, FilesKeepTheirEncoding)
         {"UTF-16LE", Utf16(u"[S]\r\nK=Grüße\r\n", false), Utf16(u"[S]\r\nK=Grüße\r\nN=€ü\r\n", false)},
         {"UTF-16BE", Utf16(u"[S]\nK=Grüße\n", true), Utf16(u"[S]\nK=Grüße\nN=€ü\n", true)},
         {"Windows-1252", "[S]\nK=Gr\xFC\xDF" "e\n", "[S]\nK=Gr\xFC\xDF" "e\nN=\x80\xFC\n"},
+        // the five bytes the code page leaves undefined come back as they were
+        {"Windows-1252 undefined", "[S]\nU=\x81\x8D\x8F\x90\x9D\nK=Gr\xFC\xDF" "e\n",
+         "[S]\nU=\x81\x8D\x8F\x90\x9D\nK=Gr\xFC\xDF" "e\nN=\x80\xFC\n"},
         {"UTF-8 BOM", "\xEF\xBB\xBF[S]\nK=Grüße\n", "\xEF\xBB\xBF[S]\nK=Grüße\nN=€ü\n"},
     };
     for (const auto& row : rows) {
@@ -165,12 +168,14 @@ TEST_F(IniFileTest, AValueKeepsALeadingZeroWidthNoBreakSpace)
     EXPECT_EQ(Run(5, "S", "K"), feff + "wert");
 }
 
-// Leftovers of a writer killed mid-write go with the next write; the owner and mode of the file stay.
+// Leftovers of a writer killed mid-write go with the next write, the user's files of like names
+// stay; the owner and mode of the file stay.
 TEST_F(IniFileTest, AWriteRemovesLeftoversAndKeepsOwnerAndMode)
 {
-    const QStringList leftovers{dir.filePath(".test.ini.Ab12Cd"), dir.filePath(".test.ini.zzzzzz")};
+    const QStringList leftovers{dir.filePath(".test.ini.dvtmp-Ab12Cd"), dir.filePath(".test.ini.dvtmp-zzzzzz")};
     for (const QString& f : leftovers) WriteFile(f, "half");
-    WriteFile(dir.filePath(".other.ini.Ab12Cd"), "someone else's");
+    const QStringList kept{".other.ini.dvtmp-Ab12Cd", ".test.ini.backup", ".test.ini.orig01", ".test.ini.Ab12Cd", ".test.ini.dvtmp-Ab12C"};
+    for (const QString& f : kept) WriteFile(dir.filePath(f), "someone else's");
     const bool root = ::geteuid() == 0;
     if (root) {
         ASSERT_EQ(::chown(QFile::encodeName(path).constData(), kOtherUser, kOtherUser), 0);
@@ -178,7 +183,7 @@ TEST_F(IniFileTest, AWriteRemovesLeftoversAndKeepsOwnerAndMode)
     ASSERT_EQ(::chmod(QFile::encodeName(path).constData(), 0640), 0);
     Run(9, "Neu", "K", "1");
     for (const QString& f : leftovers) EXPECT_FALSE(QFile::exists(f)) << f.toStdString();
-    EXPECT_TRUE(QFile::exists(dir.filePath(".other.ini.Ab12Cd")));
+    for (const QString& f : kept) EXPECT_EQ(ReadFile(dir.filePath(f)), "someone else's") << f.toStdString();
     struct stat after {};
     ASSERT_EQ(::stat(QFile::encodeName(path).constData(), &after), 0);
     EXPECT_EQ(after.st_mode & 07777, 0640u);
@@ -186,6 +191,56 @@ TEST_F(IniFileTest, AWriteRemovesLeftoversAndKeepsOwnerAndMode)
         EXPECT_EQ(after.st_uid, kOtherUser);
     }
     EXPECT_EQ(ReadFile(path), kStart + "[Neu]\nK=1\n");
+}
+
+// A copy onto the file that is under way while the file is written keeps its temporary file and
+// ends as it would alone.
+TEST_F(IniFileTest, AWriteLeavesTheTemporaryFileOfACopyUnderWay)
+{
+    const QString fifo = dir.filePath("quelle");
+    ASSERT_EQ(::mkfifo(QFile::encodeName(fifo).constData(), 0600), 0);
+    QString copied = "not ended";
+    std::thread copy([&] { copied = CopyFileAtomically(fifo, path); });
+    QFile source(fifo);
+    ASSERT_TRUE(source.open(QIODevice::WriteOnly));  // the copy has opened it too
+    source.write("[Kopie]\n");
+    source.flush();
+    bool underWay = false;
+    for (int i = 0; i < 500 && !(underWay = !QDir(dir.path()).entryList({".test.ini.dvtmp-*"}, QDir::Files | QDir::Hidden).isEmpty()); ++i) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    EXPECT_TRUE(underWay);
+    EXPECT_EQ(ReplaceFileContent(path, "[S]\n"), "");
+    source.write("K=1\n");
+    source.close();
+    copy.join();
+    EXPECT_EQ(copied, "");
+    EXPECT_EQ(ReadFile(path), "[Kopie]\nK=1\n");
+}
+
+// A write-protected file is not written, as Windows refuses it, though its folder would take a new
+// one; a copy onto it fails (silently) as well.
+TEST(IniFileFolderTest, AReadOnlyFileIsNotWritten)
+{
+    if (!CanActAsOtherUser()) GTEST_SKIP() << "running as root without setpriv";
+    QTemporaryDir dir;
+    ::chmod(QFile::encodeName(dir.path()).constData(), 0777);
+    const QString file = dir.filePath("ro.ini");
+    WriteFile(file, "[S]\nA=1\n");
+    WriteFile(dir.filePath("neu.ini"), "[S]\nA=2\n");
+    ::chmod(QFile::encodeName(file).constData(), 0444);
+    WriteFile(dir.filePath("w.dvs"), "SysUtils(Command := \"FileCopy\", FileName := \"neu.ini\", Target := \"ro.ini\")\n"
+                                     "IniFile(FileName := \"ro.ini\", Section := \"S\", Ident := \"B\", Value := \"2\", Mode := 9)\n");
+    ::chmod(QFile::encodeName(dir.filePath("w.dvs")).constData(), 0644);
+    ::chmod(QFile::encodeName(dir.filePath("neu.ini")).constData(), 0644);
+    const TDvrunRun run = RunDvrun({"w.dvs"}, dir.path(), true);
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_TRUE(run.err.contains("w.dvs:2: Die INI-Datei ro.ini kann nicht geschrieben werden: keine Schreibberechtigung"))
+        << run.err.toStdString();
+    EXPECT_EQ(ReadFile(file), "[S]\nA=1\n");
+    struct stat after {};
+    ASSERT_EQ(::stat(QFile::encodeName(file).constData(), &after), 0);
+    EXPECT_EQ(after.st_mode & 07777, 0444u);
 }
 
 TEST(IniFileParamsTest, OlderLineForm)

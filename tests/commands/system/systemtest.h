@@ -14,6 +14,7 @@
 
 #include <QFile>
 #include <QProcess>
+#include <QStandardPaths>
 #include <QTemporaryDir>
 
 #include <netinet/in.h>
@@ -74,6 +75,10 @@ inline void WriteProgram(const QString& path, const QByteArray& body)
 }
 
 inline constexpr uid_t kOtherUser = 65534;  // nobody
+
+// Whether RunDvrun(..., asOtherUser) runs as a user whom permissions bind: anyone but root, and
+// root through setpriv.
+inline bool CanActAsOtherUser() { return ::geteuid() != 0 || !QStandardPaths::findExecutable("setpriv").isEmpty(); }
 
 // The dvrun binary run on a script from workDir (the current directory when empty), without a
 // display; a run still going after 30 s counts as hanging and is killed. asOtherUser: as the user
