@@ -44,7 +44,11 @@ QString TDVCmdArrayToString::GetDescription(const QString&, const TParamList& pa
 
 QString TDVCmdArrayToString::Join(const TValue& array)
 {
-    const auto* elements = dynamic_cast<const TArrayValue*>(&array);
+    std::unique_ptr<TArrayValue> parsed;
+    if (const auto* text = dynamic_cast<const TStringValue*>(&array)) parsed = ParseArrayText(text->GetVal());
+    const auto* elements = parsed ? parsed.get() : dynamic_cast<const TArrayValue*>(&array);
+// A text in the printed form "{72}{65}" converts into an array, as on passing it to any array
+// parameter; other texts and values are no array.
     if (!elements) throw TDVRuntimeException(_("Ungültige Typumwandlung"));
     QString result;
     result.reserve(elements->GetSize());
