@@ -3,6 +3,7 @@
 #include "framework/dvtools.h"
 #include "framework/exceptions.h"
 #include "framework/intconvert.h"
+#include "framework/olderline.h"
 #include "framework/services.h"
 #include "framework/translate.h"
 
@@ -83,6 +84,13 @@ void TDVCmdTextOut::ReadParams(TParamList& params)
 }
 
 // TextOut([OUT:text][FONT:name:size:style][COL:colour][FORMFEED]);
+bool TDVCmdTextOut::IsOlderLine(const QString& line) const
+{
+    const QString outside = OutsideStrings(line);
+    return BeginsWithCall(line, OlderNames()) &&
+           (outside.contains(QLatin1String("[OUT:")) || ContainsAny(outside, {"[FONT:", "[COL:", "[FORMFEED]"}, Qt::CaseInsensitive));
+}
+
 bool TDVCmdTextOut::DecodeScript(const QString& script, TParamList& params, TDVScriptImporter*)
 {
     TFields f;
