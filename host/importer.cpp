@@ -184,15 +184,10 @@ QString TDVScriptImporter::Convert(const QString& text)
         qsizetype count = 1;
         host::TLineState end = own;
         while (end.depth > 0 && i + count < lines.size()) end = host::ScanLine(lines[i + count++], end);
-        if (count > 1 && !Reads(lines.mid(i, count).join('\n'), false)) {
-            count = 1;
-            end = own;
-        }
-        if (TDVThreadRunEdit* command = CommandFor(host::SplitLine(lines[i]).statement)) {
-            const qsizetype taken = Examine(lines, i, count, *command);
-            if (taken != count) end = own;
-            count = taken;
-        }
+        if (count > 1 && !Reads(lines.mid(i, count).join('\n'), false)) count = 1;
+        if (TDVThreadRunEdit* command = CommandFor(host::SplitLine(lines[i]).statement)) count = Examine(lines, i, count, *command);
+        // A converted line holds the older text in a string: a "(*" there opens no comment.
+        if (count == 1) end = host::ScanLine(lines[i], {});
         inComment = end.inComment;
         i += count;
     }

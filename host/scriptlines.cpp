@@ -33,13 +33,14 @@ TLineParts SplitLine(const QString& line)
         const QChar c = body[i];
         if (c == '"') quoted = !quoted;
         if (quoted) continue;
-        if (c == '(' || c == '[' || c == '{') ++depth;
+        const bool block = c == '(' && body[i + 1] == '*';
+        if (!block && (c == '(' || c == '[' || c == '{')) ++depth;
         if (c == ')' || c == ']' || c == '}') --depth;
-        if (c != '/' || body[i + 1] != '/') continue;
+        if (!block && (c != '/' || body[i + 1] != '/')) continue;
         qsizetype last = i;
         while (last > 0 && body[last - 1].isSpace()) --last;
         const bool complete = last > 0 && (body[last - 1] == ';' || body[last - 1] == ')');
-        if (complete || (depth <= 0 && last < i)) {
+        if (complete || (!block && depth <= 0 && last < i)) {
             end = i;
             break;
         }

@@ -25,7 +25,7 @@ struct TLineParts {
 };
 // Older texts may hold "//" themselves (paths, addresses): a comment starts at a "//" outside
 // strings where the statement before it is complete (it ends with ";" or ")"), or where it stands
-// after a blank outside every bracket.
+// after a blank outside every bracket; a "(*" comment only after a complete statement.
 TLineParts SplitLine(const QString& line);
 
 // What a line leaves open for the next: a "(*" comment, and brackets of a statement that goes on.

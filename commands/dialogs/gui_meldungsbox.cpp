@@ -7,6 +7,8 @@
 #include "framework/services.h"
 #include "framework/synchronize.h"
 
+#include <QRegularExpression>
+
 #include <array>
 
 namespace dv {
@@ -155,7 +157,10 @@ bool TDVCmdMeldungsBox::IsOlderLine(const QString& line) const
     const QString outside = OutsideStrings(line);
     bool older = ContainsAny(outside, {"@x:", "@y:"});
     for (const TMsgDlgBtnRow& row : kButtons) older = older || outside.contains('[' + QLatin1String(row.keyword) + ']');
-    for (const TMsgDlgTypeRow& row : kTypes) older = older || outside.contains(QLatin1String(row.keyword));
+    for (const TMsgDlgTypeRow& row : kTypes) {
+        const QRegularExpression word(QStringLiteral("\\b%1\\b").arg(QLatin1String(row.keyword)));
+        older = older || word.match(outside).hasMatch();
+    }
     return older;
 }
 

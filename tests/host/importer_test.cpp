@@ -191,6 +191,7 @@ TEST(Importer, TrailingCommentsAndMarkersStayWithTheConvertedLine)
         {"  7:HexToInt(IN:FF,OUT:N):0;  // Wert", "  7:NumberConvert(", ");  // Wert"},
         {"HexToInt(IN:FF,OUT:N):0 // ohne Semikolon", "NumberConvert(", "Stellen := 0); // ohne Semikolon"},
         {"HexToInt(IN:FF,OUT:N):0;// c", "NumberConvert(", ");// c"},
+        {"HexToInt(IN:FF,OUT:N):0; (* Block *)", "NumberConvert(", "); (* Block *)"},
         {"TextOut([OUT:a//b]) // c", "TextOut(Text := \"a//b\"", "); // c"},
     };
     for (const auto& r : rows) {
@@ -221,16 +222,17 @@ TEST(Importer, OlderLinesInAProcedureReadItsParameters)
     EXPECT_EQ(run.output, QStringList{"255"});
 }
 
-// An older text may open a bracket it never closes; the next line is a statement of its own.
+// An older text may open a bracket or a comment it never closes; the next line is a statement of
+// its own.
 TEST(Importer, AnOpenBracketInAnOlderTextEndsWithItsLine)
 {
-    const QString older = "var N : Number\nTextOut([OUT:Spannung (V]);\nHexToInt(IN:FF,OUT:N):0;\nStatusBar(Wert (alt);\nLog(N)\n";
+    const QString older = "var N : Number\nTextOut([OUT:Spannung (V]);\nStatusBar(Wert (*alt);\nHexToInt(IN:FF,OUT:N):0;\nLog(N)\n";
     THost host;
     QStringList warnings;
     const QString converted = ConvertScript(older, host.Commands(), &warnings);
     EXPECT_TRUE(warnings.isEmpty()) << warnings.join('\n').toStdString();
-    EXPECT_EQ(converted.section('\n', 2, 2), "NumberConvert(Operation := \"ccHexToInt\", Input := \"FF\", Output := N, Stellen := 0);");
-    EXPECT_EQ(converted.section('\n', 3, 3), "StatusText(Text := \"Wert (alt\");");
+    EXPECT_EQ(converted.section('\n', 2, 2), "StatusText(Text := \"Wert (*alt\");");
+    EXPECT_EQ(converted.section('\n', 3, 3), "NumberConvert(Operation := \"ccHexToInt\", Input := \"FF\", Output := N, Stellen := 0);");
     const TScriptOutcome run = RunScriptText(converted);
     EXPECT_EQ(run.exitCode, 0) << converted.toStdString() << run.errors.join('\n').toStdString();
     EXPECT_EQ(run.output, (QStringList{"Spannung (V", "255"}));
@@ -264,6 +266,7 @@ TEST(Importer, EachCommandKnowsTheShapeOfItsOlderLines)
         {"MeldungsBox", "MeldungsBox(\"a\",[mbOK]);", true},
         {"MeldungsBox", "MeldungsBox(\"a\",@x:1,@y:2);", true},
         {"MeldungsBox", "MeldungsBox(\"mtError [mbOK] @x:\"", false},
+        {"MeldungsBox", "MeldungsBox(Text := T, Type := mtErrorText,", false},
         {"OpenSaveDlg", "OpenSaveDlg(OPEN_DIALOG,[FILE:F]);", true},
         {"OpenSaveDlg", "OpenSaveDlg(True, F, \"[FILE:\"", false},
         {"SysUtils", "FILEEXIST(a.txt):N;", true},
