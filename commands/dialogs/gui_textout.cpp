@@ -7,6 +7,8 @@
 #include "framework/services.h"
 #include "framework/translate.h"
 
+#include <QRegularExpression>
+
 #include <array>
 
 namespace dv {
@@ -84,11 +86,16 @@ void TDVCmdTextOut::ReadParams(TParamList& params)
 }
 
 // TextOut([OUT:text][FONT:name:size:style][COL:colour][FORMFEED]);
+// The markers open the argument list, and a text in one may hold quotes of its own; a marker
+// further on counts where it stands outside the line's strings.
 bool TDVCmdTextOut::IsOlderLine(const QString& line) const
 {
+    static const QRegularExpression opening(QStringLiteral("^\\s*TextOut\\s*\\(\\s*\\[(?:OUT:|FONT:|COL:|FORMFEED\\])"),
+                                            QRegularExpression::CaseInsensitiveOption);
     const QString outside = OutsideStrings(line);
-    return BeginsWithCall(line, OlderNames()) &&
-           (outside.contains(QLatin1String("[OUT:")) || ContainsAny(outside, {"[FONT:", "[COL:", "[FORMFEED]"}, Qt::CaseInsensitive));
+    return opening.match(line).hasMatch() ||
+           (BeginsWithCall(line, OlderNames()) &&
+            (outside.contains(QLatin1String("[OUT:")) || ContainsAny(outside, {"[FONT:", "[COL:", "[FORMFEED]"}, Qt::CaseInsensitive)));
 }
 
 bool TDVCmdTextOut::DecodeScript(const QString& script, TParamList& params, TDVScriptImporter*)

@@ -173,11 +173,12 @@ QStringList TDVCmdNumberConversion::OlderNames() const
     return names;
 }
 
-// "HexToInt(IN:FF,OUT:X):0;": an older keyword, never NumberConvert, then the markers. An
-// assignment to a variable named like a keyword (High := 5) is no older line.
+// "HexToInt(IN:FF,OUT:X):0;": an older keyword, never NumberConvert, then the markers. The input
+// is literal text and may hold quotes of its own, so the markers are looked for in the whole line.
+// An assignment to a variable named like a keyword (High := 5) is no older line.
 bool TDVCmdNumberConversion::IsOlderLine(const QString& line) const
 {
-    return BeginsWithCall(line, OlderNames()) && OutsideStrings(line).contains(QLatin1String("OUT:"));
+    return BeginsWithCall(line, OlderNames()) && line.contains(QLatin1String("OUT:"));
 }
 
 // The array operations read their input through GetValue; the others take its characters.

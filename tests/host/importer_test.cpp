@@ -248,11 +248,14 @@ TEST(Importer, EachCommandKnowsTheShapeOfItsOlderLines)
     } rows[] = {
         {"NumberConvert", "HexToInt(IN:FF,OUT:X):0;", true},
         {"NumberConvert", "hextoint (IN:FF,OUT:X):0", true},
+        {"NumberConvert", "HexToInt(IN:\"F\"F\",OUT:X):0;", true},  // quotes of the older text
         {"NumberConvert", "NumberConvert(\"ccHexToInt\", \"FF\", X, 0;", false},
         {"NumberConvert", "High := 5", false},
-        {"NumberConvert", "HexToInt(\"OUT:\")", false},
+        {"NumberConvert", "HexToInt(FF)", false},
         {"TextOut", "TextOut([OUT:Hallo]);", true},
         {"TextOut", "TextOut([font:Arial:10:bold]);", true},
+        {"TextOut", "TextOut([OUT:5\" Zoll][COL:255]);", true},
+        {"TextOut", "TextOut(\"x\" + [FONT:", true},
         {"TextOut", "TextOut(\"[OUT:Hallo]\"", false},
         {"StringBearbeitung", "FormatStr(IN:x,LENGHT,OUT:N);", true},
         {"StringBearbeitung", "StringBearbeitung(Input := \"x\"", false},
