@@ -88,6 +88,13 @@ public:
 
     // Procedure names of the older line form this command's DecodeScript reads.
     virtual QStringList OlderNames() const { return {}; }
+    // Whether a line has this command's older form; the importer hands DecodeScript only such
+    // lines, and only when the current grammar cannot read them. None without an older form.
+    virtual bool IsOlderLine(const QString& /*line*/) const { return false; }
+    // Whether the body evaluates the named parameter's text as an expression (GetValue) with the
+    // settings in params, rather than taking its characters: the importer then keeps an older
+    // text that reads as an expression as it is written.
+    virtual bool EvaluatesText(const TParamList& /*params*/, const QString& /*name*/) const { return false; }
 
     // Host helpers: AddDefaults adds each absent parameter that has a default with its default
     // text; EvaluateParams is the host's and does nothing here.

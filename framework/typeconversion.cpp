@@ -1,6 +1,7 @@
 #include "framework/typeconversion.h"
 
 #include <QStringDecoder>
+#include <QStringEncoder>
 
 #include <array>
 
@@ -16,6 +17,33 @@ constexpr std::array<char16_t, 32> kHighControls = {
     0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
     0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178,
 };
+
+const QByteArray kUtf8Bom = QByteArrayLiteral("\xEF\xBB\xBF");
+const QByteArray kUtf16LEBom = QByteArrayLiteral("\xFF\xFE");
+const QByteArray kUtf16BEBom = QByteArrayLiteral("\xFE\xFF");
+
+// Decodes with a byte order mark already taken off: a U+FEFF that follows is text, not a mark.
+QString Decode(QStringConverter::Encoding encoding, QByteArrayView bytes, bool* failed = nullptr)
+{
+    QStringDecoder decoder(encoding, QStringConverter::Flag::ConvertInitialBom);
+    QString text = decoder(bytes);
+    if (failed) *failed = decoder.hasError();
+    return text;
+}
+
+QByteArray Encode(QStringConverter::Encoding encoding, const QString& text)
+{
+    QStringEncoder encoder(encoding, QStringConverter::Flag::Default);
+    return encoder(text);
+}
+
+QString FromWindows1252(QByteArrayView bytes)
+{
+    QString text;
+    text.reserve(bytes.size());
+    for (const char b : bytes) text += Chr1252(static_cast<unsigned char>(b));
+    return text;
+}
 
 }  // namespace
 
@@ -41,10 +69,42 @@ QString DecodeUtf8Or1252(const QByteArray& bytes)
     QStringDecoder utf8(QStringDecoder::Utf8);
     QString text = utf8(bytes);
     if (!utf8.hasError()) return text;
-    text.clear();
-    text.reserve(bytes.size());
-    for (const char b : bytes) text += Chr1252(static_cast<unsigned char>(b));
-    return text;
+    return FromWindows1252(bytes);
+}
+
+QString DecodeText(const QByteArray& bytes, TTextEncoding& encoding)
+{
+    if (bytes.startsWith(kUtf16LEBom)) {
+        encoding = TTextEncoding::Utf16LE;
+        return Decode(QStringConverter::Utf16LE, QByteArrayView(bytes).sliced(2));
+    }
+    if (bytes.startsWith(kUtf16BEBom)) {
+        encoding = TTextEncoding::Utf16BE;
+        return Decode(QStringConverter::Utf16BE, QByteArrayView(bytes).sliced(2));
+    }
+    if (bytes.startsWith(kUtf8Bom)) {
+        encoding = TTextEncoding::Utf8Bom;
+        return Decode(QStringConverter::Utf8, QByteArrayView(bytes).sliced(3));
+    }
+    bool invalid = false;
+    const QString text = Decode(QStringConverter::Utf8, bytes, &invalid);
+    encoding = invalid ? TTextEncoding::Windows1252 : TTextEncoding::Utf8;
+    return invalid ? FromWindows1252(bytes) : text;
+}
+
+QByteArray EncodeText(const QString& text, TTextEncoding encoding)
+{
+    switch (encoding) {
+    case TTextEncoding::Utf8: return text.toUtf8();
+    case TTextEncoding::Utf8Bom: return kUtf8Bom + text.toUtf8();
+    case TTextEncoding::Utf16LE: return kUtf16LEBom + Encode(QStringConverter::Utf16LE, text);
+    case TTextEncoding::Utf16BE: return kUtf16BEBom + Encode(QStringConverter::Utf16BE, text);
+    case TTextEncoding::Windows1252: break;
+    }
+    QByteArray bytes;
+    bytes.reserve(text.size());
+    for (const QChar c : text) bytes += static_cast<char>(Ord1252(c));
+    return bytes;
 }
 
 }  // namespace dv

@@ -14,4 +14,13 @@ int Ord1252(QChar c);
 // of files written on Windows stations.
 QString DecodeUtf8Or1252(const QByteArray& bytes);
 
+// How a text file's characters are stored: UTF-16 and UTF-8 with a byte order mark as they are
+// found, UTF-8 without one, and Windows-1252 for a file that is not valid UTF-8.
+enum class TTextEncoding { Utf8, Utf8Bom, Utf16LE, Utf16BE, Windows1252 };
+// The text of a file and the encoding it was found in (a U+FEFF after the mark is text).
+QString DecodeText(const QByteArray& bytes, TTextEncoding& encoding);
+// The text stored as a file in that encoding, mark included; a character Windows-1252 lacks
+// becomes "?" there.
+QByteArray EncodeText(const QString& text, TTextEncoding encoding);
+
 }  // namespace dv

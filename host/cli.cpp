@@ -51,11 +51,12 @@ void PrintTo(std::FILE* stream, const QString& text)
     std::fflush(stream);
 }
 
-std::optional<QString> ReadScript(const QString& path, QString& text)
+// Scripts from Windows stations come in UTF-16 or Windows-1252 as well as UTF-8.
+std::optional<QString> ReadScript(const QString& path, QString& text, TTextEncoding& encoding)
 {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) return Format(_("Die Datei %s kann nicht gelesen werden"), {path});
-    text = DecodeUtf8Or1252(file.readAll());
+    text = DecodeText(file.readAll(), encoding);
     return std::nullopt;
 }
 
@@ -210,15 +211,20 @@ namespace {
 int RunOptions(int& argc, char** argv, const TCliOptions& options)
 {
     QString text;
-    if (const std::optional<QString> error = ReadScript(options.script, text)) {
+    TTextEncoding encoding = TTextEncoding::Utf8;
+    if (const std::optional<QString> error = ReadScript(options.script, text, encoding)) {
         PrintTo(stderr, QStringLiteral("dvrun: ") + *error);
         return 2;
     }
     if (options.convert) {
         THost host;
         QStringList warnings;
-        std::fputs(ConvertScript(text, host.Commands(), &warnings).toUtf8().constData(), stdout);
-        for (const QString& w : warnings) PrintTo(stderr, QStringLiteral("dvrun: ") + w);
+        // Written back as the file was stored, so that a script without older lines comes out
+        // byte for byte.
+        const QByteArray converted = EncodeText(ConvertScript(text, host.Commands(), &warnings, options.script), encoding);
+        std::fwrite(converted.constData(), 1, static_cast<std::size_t>(converted.size()), stdout);
+        std::fflush(stdout);
+        for (const QString& w : warnings) PrintTo(stderr, w);
         return 0;
     }
     return RunScript(argc, argv, options, text);

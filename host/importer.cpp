@@ -8,7 +8,6 @@
 #include "host/structurerecode.h"
 
 #include <QRegularExpression>
-#include <QSet>
 
 namespace dv::host {
 
@@ -40,13 +39,6 @@ std::optional<QString> ArgumentText(const QString& call)
     return std::nullopt;
 }
 
-// A line's editor marker and indentation ("  93:"), which the converted line keeps.
-qsizetype PrefixLength(const QString& line)
-{
-    static const QRegularExpression prefix(QStringLiteral("^\\s*(\\d+:(?!=))?\\s*"));
-    return prefix.match(line).capturedLength();
-}
-
 TDVThreadRunEdit* CommandForLine(const QString& word, TCommandPool& commands)
 {
     for (TDVThreadRunEdit* command : commands.Available()) {
@@ -56,90 +48,6 @@ TDVThreadRunEdit* CommandForLine(const QString& word, TCommandPool& commands)
         }
     }
     return nullptr;
-}
-
-// A line as the importer takes it apart: indentation and editor marker, the statement, a trailing
-// "//" comment with the blanks before it, and the carriage return of a CRLF file.
-struct TLineParts {
-    QString prefix;
-    QString statement;
-    QString comment;
-    QString cr;
-    QString Joined(const QString& statement) const { return prefix + statement + comment + cr; }
-};
-
-TLineParts SplitLine(const QString& line)
-{
-    TLineParts parts;
-    QString body = line;
-    if (body.endsWith('\r')) {
-        parts.cr = QStringLiteral("\r");
-        body.chop(1);
-    }
-    const qsizetype prefix = PrefixLength(body);
-    parts.prefix = body.left(prefix);
-    body = body.mid(prefix);
-    // Older texts may hold "//" themselves (paths, addresses): a comment starts only where the
-    // statement before it is complete. Trailing blanks stay with the comment.
-    qsizetype end = body.size();
-    bool quoted = false;
-    for (qsizetype i = 0; i + 1 < body.size(); ++i) {
-        if (body[i] == '"') quoted = !quoted;
-        if (quoted || body[i] != '/' || body[i + 1] != '/') continue;
-        qsizetype last = i;
-        while (last > 0 && body[last - 1].isSpace()) --last;
-        if (last > 0 && (body[last - 1] == ';' || body[last - 1] == ')')) {
-            end = i;
-            break;
-        }
-    }
-    while (end > 0 && body[end - 1].isSpace()) --end;
-    parts.comment = body.mid(end);
-    body.truncate(end);
-    parts.statement = body;
-    return parts;
-}
-
-// Whether a "(*" comment is still open at the end of the line, given whether it was at its start;
-// lines that begin inside one are text, not statements.
-bool CommentOpenAfter(const QString& line, bool open)
-{
-    bool quoted = false;
-    for (qsizetype i = 0; i + 1 < line.size(); ++i) {
-        const QStringView pair = QStringView(line).mid(i, 2);
-        if (open || !quoted) {
-            if (!open && pair == QLatin1String("//")) break;
-            const bool toggles = open ? pair == QLatin1String("*)") : pair == QLatin1String("(*");
-            if (toggles) {
-                open = !open;
-                ++i;
-                continue;
-            }
-        }
-        if (!open && line[i] == '"') quoted = !quoted;
-    }
-    return open;
-}
-
-// The variables the script's "var" lines declare, and the one every script has, with their kinds.
-QHash<QString, TValueKind> DeclaredVariables(const QStringList& lines)
-{
-    static const QRegularExpression decl(QStringLiteral("^\\s*(?:\\d+:)?\\s*var\\s+([\\w\\s,]+):([^=;/]*)"),
-                                         QRegularExpression::CaseInsensitiveOption);
-    QHash<QString, TValueKind> kinds{{QString::fromLatin1(kProjectPathVariable).toLower(), TValueKind::String}};
-    for (const QString& line : lines) {
-        const QRegularExpressionMatch m = decl.match(line);
-        if (!m.hasMatch()) continue;
-        TValueKind kind = TValueKind::Misc;
-        try {
-            TScanner type(m.captured(2));
-            kind = ParseTypeName(type).kind;
-        } catch (const TDravikException&) {
-            // An unknown type: the name is still declared.
-        }
-        for (const QString& n : m.captured(1).split(',')) kinds.insert(n.trimmed().toLower(), kind);
-    }
-    return kinds;
 }
 
 bool IsIdentifier(const QString& text)
@@ -245,9 +153,9 @@ bool ReadCommandLine(const QString& line, const TDVSignature& sig, TParamList& p
     return true;
 }
 
-QString ConvertScript(const QString& text, TCommandPool& commands, QStringList* warnings)
+QString ConvertScript(const QString& text, TCommandPool& commands, QStringList* warnings, const QString& source)
 {
-    TDVScriptImporter importer(commands);
+    TDVScriptImporter importer(commands, source);
     const QString converted = importer.Convert(text);
     if (warnings) *warnings = importer.Warnings();
     return converted;
@@ -260,60 +168,94 @@ namespace dv {
 QString TDVScriptImporter::Convert(const QString& text)
 {
     warnings_.clear();
-    // Loops, case, if and comments are recoded line by line by their structure commands first.
+    // Loops, case, if and comments in an older form are recoded by their structure commands first.
     QStringList lines = host::RecodeStructureLines(text, commands_).split('\n');
-    declared_ = host::DeclaredVariables(lines);
-    static const QRegularExpression word(QStringLiteral("^\\w+"));
+    names_ = host::ScriptNames(lines);
     bool inComment = false;
-    for (qsizetype i = 0; i < lines.size(); ++i) {
-        const bool commentedOut = inComment;
-        inComment = host::CommentOpenAfter(lines[i], inComment);
-        if (commentedOut) continue;
-        const host::TLineParts parts = host::SplitLine(lines[i]);
-        TDVThreadRunEdit* command = CommandFor(word.match(parts.statement).captured(0));
-        if (!command || !IsOlderLine(parts.statement, *command)) continue;
-        const TConverted converted = ConvertStatement(parts.statement, *command);
-        if (converted.statement) {
-            lines[i] = parts.Joined(*converted.statement);
+    for (qsizetype i = 0; i < lines.size();) {
+        const host::TLineState own = host::ScanLine(lines[i], {inComment, 0});
+        if (inComment) {
+            inComment = own.inComment;
+            ++i;
             continue;
         }
-        const QString note = QStringLiteral("nicht umgesetzt: ") + converted.reason;
-        warnings_ << Format(_("Zeile %d: %s"), {QString::number(i + 1), note});
-        lines[i] = lines[i].chopped(parts.cr.size()) + QStringLiteral(" // ") + note + parts.cr;
+        // A statement goes on while its brackets are open; lines that do not read as one statement
+        // together (an older text with a "(" of its own) are taken one by one.
+        qsizetype count = 1;
+        host::TLineState end = own;
+        while (end.depth > 0 && i + count < lines.size()) end = host::ScanLine(lines[i + count++], end);
+        if (count > 1 && !Reads(lines.mid(i, count).join('\n'), false)) count = 1;
+        if (TDVThreadRunEdit* command = CommandFor(host::SplitLine(lines[i]).statement)) count = Examine(lines, i, count, *command);
+        // A converted line holds the older text in a string: a "(*" there opens no comment.
+        if (count == 1) end = host::ScanLine(lines[i], {});
+        inComment = end.inComment;
+        i += count;
     }
     return lines.join('\n');
 }
 
 std::optional<TValueKind> TDVScriptImporter::DeclaredKind(const QString& name) const
 {
-    const auto it = declared_.find(name.trimmed().toLower());
-    if (it == declared_.end()) return std::nullopt;
+    const auto it = names_.variables.find(name.trimmed().toLower());
+    if (it == names_.variables.end()) return std::nullopt;
     return *it;
 }
 
-TDVThreadRunEdit* TDVScriptImporter::CommandFor(const QString& word)
+// The command a statement calls: its first word, followed by "(" or nothing, names a command or
+// an older procedure name of one, and no procedure of the script itself. An assignment to a
+// variable named like an older keyword (High := 5) calls nothing.
+TDVThreadRunEdit* TDVScriptImporter::CommandFor(const QString& statement) const
 {
-    return word.isEmpty() ? nullptr : host::CommandForLine(word, commands_);
+    static const QRegularExpression call(QStringLiteral("^(\\w+)\\s*(\\(|;|$)"));
+    const QString word = call.match(statement).captured(1);
+    if (word.isEmpty() || names_.procedures.contains(word.toLower())) return nullptr;
+    return host::CommandForLine(word, commands_);
 }
 
-// Current lines are never decoded: a line is older only when the current grammar cannot read it
-// (every name in it taken as declared), or when it gives an array variable to a var parameter of
-// another kind, as the older ArrayToStr(Array, String) does.
-bool TDVScriptImporter::IsOlderLine(const QString& statement, TDVThreadRunEdit& command)
+// Current lines are never decoded. A call is older only when the current grammar cannot read it
+// with the names the script declares, it stands on one line in the command's older form, and it
+// does not read even when every word in it is taken as a variable; or when it reads but gives an
+// array variable to a var parameter of another kind, as the older ArrayToStr(Array, String) does.
+// A call that reads only with words the script does not declare may be an older line or a
+// current one with a misspelt name: it is kept, with a warning.
+qsizetype TDVScriptImporter::Examine(QStringList& lines, qsizetype first, qsizetype count, TDVThreadRunEdit& command)
 {
-    static const QRegularExpression namedArgument(QStringLiteral("[(,]\\s*\\w+\\s*:="));
-    if (namedArgument.match(statement).hasMatch()) return false;
-    QStringList names;
-    try {
-        TScanner scan(statement, false);
-        for (TToken t = scan.GetNextToken(); t.type != TTokenType::EndOfText; t = scan.GetNextToken()) {
-            const bool call = scan.LookAhead().type == TTokenType::LParen || commands_.ForProcedure(t.text);
-            if (t.type == TTokenType::Identifier && !call && !names.contains(t.text, Qt::CaseInsensitive)) names << t.text;
-        }
-    } catch (const TDravikException&) {
-        return true;
+    const QString statement = lines.mid(first, count).join('\n');
+    const QString line = host::SplitLine(lines[first]).statement;
+    const bool older = count == 1 && command.IsOlderLine(line);
+    const std::optional<QStringList> declared = VariableWords(statement, true);
+    const std::optional<QString> error = ParseError(statement, declared.value_or(QStringList()), first);
+    if (!error) {
+        if (older && VarKindsClash(line, command)) Rewrite(lines, first, command);
+        return count;
     }
-    return ParseError(statement, names).has_value() || VarKindsClash(statement, command);
+    if (older && !Reads(line, false)) {
+        Rewrite(lines, first, command);
+        return 1;
+    }
+    Keep(lines, first, *error);
+    return count;
+}
+
+void TDVScriptImporter::Rewrite(QStringList& lines, qsizetype index, TDVThreadRunEdit& command)
+{
+    const host::TLineParts parts = host::SplitLine(lines[index]);
+    const TConverted converted = ConvertStatement(parts.statement, command);
+    if (converted.statement) {
+        lines[index] = parts.Joined(*converted.statement);
+    } else {
+        Keep(lines, index, converted.reason);
+    }
+}
+
+void TDVScriptImporter::Keep(QStringList& lines, qsizetype index, const QString& reason)
+{
+    const QString note = QStringLiteral("nicht umgesetzt: ") + reason;
+    const QString lineNumber = QString::number(index + 1);
+    warnings_ << (source_.isEmpty() ? Format(_("Zeile %d: %s"), {lineNumber, note})
+                                    : QStringLiteral("%1:%2: %3").arg(source_, lineNumber, note));
+    const bool cr = lines[index].endsWith('\r');
+    lines[index] = lines[index].chopped(cr ? 1 : 0) + QStringLiteral(" // ") + note + (cr ? QStringLiteral("\r") : QString());
 }
 
 bool TDVScriptImporter::VarKindsClash(const QString& statement, TDVThreadRunEdit& command) const
@@ -328,17 +270,48 @@ bool TDVScriptImporter::VarKindsClash(const QString& statement, TDVThreadRunEdit
     return false;
 }
 
-std::optional<QString> TDVScriptImporter::ParseError(const QString& statement, const QStringList& names)
+std::optional<QStringList> TDVScriptImporter::VariableWords(const QString& statement, bool declaredOnly) const
+{
+    QStringList names;
+    try {
+        TScanner scan(statement, false);
+        for (TToken t = scan.GetNextToken(); t.type != TTokenType::EndOfText; t = scan.GetNextToken()) {
+            if (t.type != TTokenType::Identifier || names.contains(t.text, Qt::CaseInsensitive)) continue;
+            if (scan.LookAhead().type == TTokenType::LParen || commands_.ForProcedure(t.text)) continue;
+            if (!declaredOnly || DeclaredKind(t.text)) names << t.text;
+        }
+    } catch (const TDravikException&) {
+        return std::nullopt;
+    }
+    return names;
+}
+
+bool TDVScriptImporter::Reads(const QString& statement, bool declaredOnly)
+{
+    const std::optional<QStringList> names = VariableWords(statement, declaredOnly);
+    return names && !ParseError(statement, *names);
+}
+
+std::optional<QString> TDVScriptImporter::ParseError(const QString& statement, const QStringList& names, qsizetype line)
 {
     QStringList declarations;
     for (const QString& n : names) {
         if (n.compare(QLatin1String(host::kProjectPathVariable), Qt::CaseInsensitive) != 0) declarations << n;
     }
-    const QString head = declarations.isEmpty() ? QStringLiteral("\n") : QStringLiteral("var ") + declarations.join(',') + QStringLiteral(" : Misc\n");
+    // The declarations end with ";" on the statement's first line, so that the statement's lines
+    // count from 1; a marker is read only at the start of a line, so it gives way to them.
+    const QString head = declarations.isEmpty() ? QString() : QStringLiteral("var ") + declarations.join(',') + QStringLiteral(" : Misc;");
+    const qsizetype marker = host::PrefixLength(statement);
     host::TProgram program;
-    host::TScriptParser(program, commands_).ParseProgram(head + statement);
+    host::TScriptParser(program, commands_).ParseProgram(head + QString(marker, ' ') + statement.mid(marker));
     if (program.errors.empty()) return std::nullopt;
-    return program.errors.front().message;
+    // A message that names a line of the statement ("für \"(\" in Zeile 1") names the script's.
+    static const QRegularExpression lineNumber(QStringLiteral("(Zeile )(\\d+)"));
+    QString message = program.errors.front().message;
+    if (const QRegularExpressionMatch m = lineNumber.match(message); m.hasMatch() && line > 0) {
+        message.replace(m.capturedStart(2), m.capturedLength(2), QString::number(m.captured(2).toLongLong() + line));
+    }
+    return message;
 }
 
 TDVScriptImporter::TConverted TDVScriptImporter::ConvertStatement(const QString& statement, TDVThreadRunEdit& command)
@@ -351,29 +324,32 @@ TDVScriptImporter::TConverted TDVScriptImporter::ConvertStatement(const QString&
     for (const QString& name : decoded.Names()) {
         const TDVParamDecl* decl = command.Signature().Find(name);
         if (!decl) continue;
-        const std::optional<QString> argument = CurrentArgument(*decl, decoded.GetString(name));
+        const std::optional<QString> argument = CurrentArgument(*decl, decoded.GetString(name), command.EvaluatesText(decoded, name));
         if (!argument) {
             return {std::nullopt, Format(_("%s erwartet eine Variable, nicht \"%s\""), {name, decoded.GetString(name)})};
         }
         current.AddString(name, *argument);
     }
     const QString line = host::WriteCommandLine(command.Signature(), current);
-    QStringList names;
-    for (auto it = declared_.cbegin(); it != declared_.cend(); ++it) names << it.key();
-    if (const std::optional<QString> error = ParseError(line, names)) return {std::nullopt, *error};
+    if (const std::optional<QString> error = ParseError(line, VariableWords(line, true).value_or(QStringList()))) {
+        return {std::nullopt, *error};
+    }
     return {line, {}};
 }
 
 // An older line's argument is literal text that reached the command unchanged; the current line
 // writes it so that the command gets the same characters: a declared variable stays a reference,
 // a whole string literal, a printed number and True/False stay as written, anything else becomes
-// a string literal.
-std::optional<QString> TDVScriptImporter::CurrentArgument(const TDVParamDecl& decl, const QString& text) const
+// a string literal. A text the command evaluates keeps its meaning as an expression when it reads
+// as one ("[1,2,3]" for the array operations).
+std::optional<QString> TDVScriptImporter::CurrentArgument(const TDVParamDecl& decl, const QString& text, bool evaluated)
 {
     if (text.isEmpty()) return QString();  // left out, as the older line left it empty
     const QString name = text.trimmed();
     if (decl.isVar) return host::IsIdentifier(name) ? std::optional<QString>(name) : std::nullopt;
     if (host::IsIdentifier(name) && DeclaredKind(name)) return name;
+    // Read inside a call, so that the text must be one expression (a ";" would end the call early).
+    if (evaluated && !name.contains(';') && Reads(QStringLiteral("Log(%1)").arg(name), true)) return name;
     // Switches the signature declares otherwise (Convert : Number) still read True and False.
     const bool boolean = text == QLatin1String("True") || text == QLatin1String("False") ||
                          (decl.type.kind == TValueKind::Boolean && (text.compare(QLatin1String("True"), Qt::CaseInsensitive) == 0 ||

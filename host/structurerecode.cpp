@@ -2,19 +2,11 @@
 
 #include "framework/scanner.h"
 #include "host/commandpool.h"
-
-#include <QRegularExpression>
+#include "host/scriptlines.h"
 
 namespace dv::host {
 
 namespace {
-
-// A line's indentation and editor marker ("  93:"), which the recoded line keeps.
-qsizetype PrefixLength(const QString& line)
-{
-    static const QRegularExpression prefix(QStringLiteral("^\\s*(\\d+:(?!=))?\\s*"));
-    return prefix.match(line).capturedLength();
-}
 
 // The first two tokens of a text; EndOfText for what is missing or unreadable.
 std::pair<TTokenType, TTokenType> FirstTwoTokens(const QString& text)
@@ -55,45 +47,60 @@ bool OnlyDecimalCommas(const QString& text)
     return true;
 }
 
+// Letters, digits and signs of a text, without its blanks and in one case: a recoded line that
+// differs from the line in nothing else is the line in its current form.
+QString Essence(const QString& text)
+{
+    QString out;
+    for (const QChar c : text) {
+        if (!c.isSpace()) out += c.toLower();
+    }
+    return out;
+}
+
 }  // namespace
 
 QString RecodeStructureLines(const QString& text, TCommandPool& commands)
 {
-    TDVRunEdit* loop = commands.ForClass(QStringLiteral("TDVCmdLoop"));
     TDVRunEdit* cases = commands.ForClass(QStringLiteral("TDVCmdCase"));
     TDVRunEdit* ifThenElse = commands.ForClass(QStringLiteral("TDVCmdIfThenElse"));
-    TDVRunEdit* comment = commands.ForClass(QStringLiteral("TDVCmdComment"));
-    if (!loop || !cases || !ifThenElse || !comment) return text;
+    if (!cases || !ifThenElse) return text;
 
     QStringList lines = text.split('\n');
     int openCases = 0;
+    bool inComment = false;
     for (QString& line : lines) {
+        const bool commentedOut = inComment;
+        inComment = ScanLine(line, {inComment, 0}).inComment;
+        if (commentedOut) continue;
         const bool cr = line.endsWith('\r');
         const QString body = cr ? line.chopped(1) : line;
         const QString trimmed = body.trimmed();
-        const QString end = cr ? QStringLiteral("\r") : QString();
-        // An older branch looks like an editor marker ("3:"), so it is looked at before markers are.
-        if (openCases > 0 && IsOlderBranch(trimmed, FirstTwoTokens(trimmed).first)) {
-            line = body.left(body.indexOf(trimmed)) + cases->RecodeScript(trimmed, nullptr) + end;
-            continue;
-        }
         const qsizetype prefix = PrefixLength(body);
         const QString statement = body.mid(prefix);
         const auto [first, second] = FirstTwoTokens(statement);
+        // Only older branches and if lines with decimal commas have a current form of their own:
+        // the loop and comment commands merely trim their lines, and a case head's recoded form
+        // differs from it only in blanks. Those lines stay as they are, blanks included.
         TDVRunEdit* recoder = nullptr;
-        if (statement.startsWith(QLatin1String("//"))) {
-            recoder = comment;
-        } else if (first == TTokenType::kwFor || first == TTokenType::kwWhile || first == TTokenType::kwUntil) {
-            recoder = loop;
+        QString from = statement;
+        // An older branch looks like an editor marker ("3:"), so it is looked at before markers are.
+        if (openCases > 0 && IsOlderBranch(trimmed, FirstTwoTokens(trimmed).first)) {
+            recoder = cases;
+            from = trimmed;
         } else if (first == TTokenType::kwIf && OnlyDecimalCommas(statement)) {
             recoder = ifThenElse;
         } else if (first == TTokenType::kwCase) {
             ++openCases;
-            if (!statement.contains(':') && statement.trimmed().endsWith(QLatin1String("of"), Qt::CaseInsensitive)) recoder = cases;
         } else if (first == TTokenType::kwEnd && second == TTokenType::kwCase) {
             openCases = std::max(0, openCases - 1);
         }
-        if (recoder) line = body.left(prefix) + recoder->RecodeScript(statement, nullptr) + end;
+        if (!recoder) continue;
+        const QString recoded = recoder->RecodeScript(from, nullptr);
+        if (Essence(recoded) == Essence(from)) continue;
+        const qsizetype start = body.indexOf(from.trimmed());
+        const qsizetype end = start + from.trimmed().size();
+        line = body.left(start) + recoded + body.mid(end) + (cr ? QStringLiteral("\r") : QString());
     }
     return lines.join('\n');
 }

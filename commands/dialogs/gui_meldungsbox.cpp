@@ -3,8 +3,11 @@
 #include "framework/dvtools.h"
 #include "framework/exceptions.h"
 #include "framework/intconvert.h"
+#include "framework/olderline.h"
 #include "framework/services.h"
 #include "framework/synchronize.h"
+
+#include <QRegularExpression>
 
 #include <array>
 
@@ -146,7 +149,21 @@ void TDVCmdMeldungsBox::ReadParams(TParamList& params)
     params.AddString(kYPos, QString::number(fields_.y));
 }
 
-// MeldungsBox("text",mtWarning,[mbYes][mbNo],@x:10,@y:20);
+// MeldungsBox("text",mtWarning,[mbYes][mbNo],@x:10,@y:20);: type and buttons are words of the
+// line, not texts, or the position carries its markers.
+bool TDVCmdMeldungsBox::IsOlderLine(const QString& line) const
+{
+    if (!BeginsWithCall(line, OlderNames())) return false;
+    const QString outside = OutsideStrings(line);
+    bool older = ContainsAny(outside, {"@x:", "@y:"});
+    for (const TMsgDlgBtnRow& row : kButtons) older = older || outside.contains('[' + QLatin1String(row.keyword) + ']');
+    for (const TMsgDlgTypeRow& row : kTypes) {
+        const QRegularExpression word(QStringLiteral("\\b%1\\b").arg(QLatin1String(row.keyword)));
+        older = older || word.match(outside).hasMatch();
+    }
+    return older;
+}
+
 bool TDVCmdMeldungsBox::DecodeScript(const QString& script, TParamList& params, TDVScriptImporter*)
 {
     fields_.text = GetStrPart(QStringLiteral("("), QStringLiteral(","), script);

@@ -2,6 +2,7 @@
 
 #include "framework/dvtools.h"
 #include "framework/exceptions.h"
+#include "framework/olderline.h"
 #include "framework/parser.h"
 #include "framework/services.h"
 #include "framework/synchronize.h"
@@ -64,6 +65,12 @@ void TDVCmdOpenSave::ReadParams(TParamList& params)
 }
 
 // OpenSaveDlg(OPEN_DIALOG,[FILE:Datei][DIR:c:\daten][CAP:Titel][EXT:csv]);
+bool TDVCmdOpenSave::IsOlderLine(const QString& line) const
+{
+    return BeginsWithCall(line, OlderNames()) &&
+           ContainsAny(OutsideStrings(line), {"OPEN_DIALOG", "SAVE_DIALOG", "[FILE:", "[DIR:", "[CAP:", "[EXT:"});
+}
+
 bool TDVCmdOpenSave::DecodeScript(const QString& script, TParamList& params, TDVScriptImporter*)
 {
     const QString end = QStringLiteral("]");

@@ -1,6 +1,7 @@
 #include "commands/dialogs/gui_statustext.h"
 
 #include "framework/dvtools.h"
+#include "framework/olderline.h"
 #include "framework/services.h"
 #include "framework/translate.h"
 
@@ -17,6 +18,8 @@ void TDVCmdStatusBar::SetParams(const TParamList& params) { fields_.text = param
 void TDVCmdStatusBar::ReadParams(TParamList& params) { params.AddString(kText, fields_.text); }
 
 // StatusBar(text); - read up to ");" so that a ")" inside the text survives.
+bool TDVCmdStatusBar::IsOlderLine(const QString& line) const { return BeginsWithCall(line, OlderNames()); }
+
 bool TDVCmdStatusBar::DecodeScript(const QString& script, TParamList& params, TDVScriptImporter*)
 {
     fields_.text = GetStrPart(QStringLiteral("("), QStringLiteral(");"), script);

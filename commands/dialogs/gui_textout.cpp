@@ -3,8 +3,11 @@
 #include "framework/dvtools.h"
 #include "framework/exceptions.h"
 #include "framework/intconvert.h"
+#include "framework/olderline.h"
 #include "framework/services.h"
 #include "framework/translate.h"
+
+#include <QRegularExpression>
 
 #include <array>
 
@@ -83,6 +86,18 @@ void TDVCmdTextOut::ReadParams(TParamList& params)
 }
 
 // TextOut([OUT:text][FONT:name:size:style][COL:colour][FORMFEED]);
+// The markers open the argument list, and a text in one may hold quotes of its own; a marker
+// further on counts where it stands outside the line's strings.
+bool TDVCmdTextOut::IsOlderLine(const QString& line) const
+{
+    static const QRegularExpression opening(QStringLiteral("^\\s*TextOut\\s*\\(\\s*\\[(?:OUT:|FONT:|COL:|FORMFEED\\])"),
+                                            QRegularExpression::CaseInsensitiveOption);
+    const QString outside = OutsideStrings(line);
+    return opening.match(line).hasMatch() ||
+           (BeginsWithCall(line, OlderNames()) &&
+            (outside.contains(QLatin1String("[OUT:")) || ContainsAny(outside, {"[FONT:", "[COL:", "[FORMFEED]"}, Qt::CaseInsensitive)));
+}
+
 bool TDVCmdTextOut::DecodeScript(const QString& script, TParamList& params, TDVScriptImporter*)
 {
     TFields f;

@@ -41,6 +41,7 @@ public:
     void ReadParams(TParamList& params) override;
     bool DecodeScript(const QString& script, TParamList& params, TDVScriptImporter* importer) override;
     QStringList OlderNames() const override { return {QStringLiteral("TextOut")}; }
+    bool IsOlderLine(const QString& line) const override;
     QString GetDescription(const QString& name, const TParamList& params) override;
     void Run(TParamList& params) override;
 };

@@ -2,6 +2,7 @@
 
 #include "commands/system/platform_process.h"
 #include "framework/intconvert.h"
+#include "framework/olderline.h"
 #include "framework/parser.h"
 #include "framework/systemlog.h"
 #include "framework/dvtools.h"
@@ -147,6 +148,13 @@ void TDVCmdStartEXE::ReadParams(TParamList& params)
     params.AddString(kHide, BoolText(fields_.hide));
     params.AddString(kMinimized, BoolText(fields_.minimized));
     params.AddString(kKill, BoolText(fields_.kill));
+}
+
+// Exec(prog,Param:args,Pfad:dir,Result:R,TimeOut:5,V:False);delay;
+bool TDVCmdStartEXE::IsOlderLine(const QString& line) const
+{
+    return BeginsWithCall(line, {QStringLiteral("Exec")}) &&
+           ContainsAny(OutsideStrings(line), {",Param:", ",Pfad:", ",Result:", ",TimeOut:", ",V:"});
 }
 
 bool TDVCmdStartEXE::DecodeScript(const QString& script, TParamList& params, TDVScriptImporter*)

@@ -43,6 +43,7 @@ public:
     void SetParams(const TParamList& params) override;
     void ReadParams(TParamList& params) override;
     bool DecodeScript(const QString& script, TParamList& params, TDVScriptImporter* importer) override;
+    bool IsOlderLine(const QString& line) const override;
     void RunThreaded(TParamList& params) override;
 
     // The editor's Test button: runs the call the dialog holds and returns "ExitCode = %d" with

@@ -3,6 +3,7 @@
 #include "commands/system/initext.h"
 #include "commands/system/platform_files.h"
 #include "framework/intconvert.h"
+#include "framework/olderline.h"
 #include "framework/dvtools.h"
 #include "framework/exceptions.h"
 #include "framework/parser.h"
@@ -149,6 +150,9 @@ bool TDVCmdIniFiles::DecodeScript(const QString& script, TParamList& params, TDV
     ReadParams(params);
     return true;
 }
+
+// "IniFiles_ReadString(Filename:a.ini,Sec:S,Id:K,Value:,Result:R,);"
+bool TDVCmdIniFiles::IsOlderLine(const QString& line) const { return BeginsWithCall(line, OlderNames()); }
 
 QStringList TDVCmdIniFiles::OlderNames() const
 {

@@ -70,6 +70,7 @@ public:
     void ReadParams(TParamList& params) override;
     bool DecodeScript(const QString& script, TParamList& params, TDVScriptImporter* importer) override;
     QStringList OlderNames() const override;
+    bool IsOlderLine(const QString& line) const override;
     void Run(TParamList& params) override;
 
 private:

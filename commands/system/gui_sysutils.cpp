@@ -3,6 +3,7 @@
 #include "commands/system/platform_files.h"
 #include "commands/system/platform_windows.h"
 #include "framework/intconvert.h"
+#include "framework/olderline.h"
 #include "framework/dvtools.h"
 #include "framework/parser.h"
 #include "framework/services.h"
@@ -88,6 +89,9 @@ bool TDVCmdSystemUtilities::DecodeScript(const QString& script, TParamList& para
     ReadParams(params);
     return true;
 }
+
+// "FILEEXIST(a.txt):N;": the sub-command is the procedure name.
+bool TDVCmdSystemUtilities::IsOlderLine(const QString& line) const { return BeginsWithCall(line, OlderNames()); }
 
 QStringList TDVCmdSystemUtilities::OlderNames() const
 {

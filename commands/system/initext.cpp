@@ -2,19 +2,13 @@
 
 #include "framework/typeconversion.h"
 
-#include <QStringDecoder>
 #include <QStringList>
-#include <QStringEncoder>
 
 #include <algorithm>
 
 namespace dv {
 
 namespace {
-
-const QByteArray kUtf8Bom = QByteArrayLiteral("\xEF\xBB\xBF");
-const QByteArray kUtf16LEBom = QByteArrayLiteral("\xFF\xFE");
-const QByteArray kUtf16BEBom = QByteArrayLiteral("\xFE\xFF");
 
 bool SameName(const QString& a, const QString& b) { return a.compare(b.trimmed(), Qt::CaseInsensitive) == 0; }
 
@@ -45,57 +39,13 @@ QString ValueOf(const QString& line)
     return v;
 }
 
-// Decodes with a byte order mark already taken off: a U+FEFF that follows is text, not a mark.
-QString Decode(QStringConverter::Encoding encoding, QByteArrayView bytes, bool* failed = nullptr)
-{
-    QStringDecoder decoder(encoding, QStringConverter::Flag::ConvertInitialBom);
-    QString text = decoder(bytes);
-    if (failed) *failed = decoder.hasError();
-    return text;
-}
-
-QByteArray Encode(QStringConverter::Encoding encoding, const QString& text)
-{
-    QStringEncoder encoder(encoding, QStringConverter::Flag::Default);
-    return encoder(text);
-}
-
-QString FromWindows1252(const QByteArray& bytes)
-{
-    QString text;
-    text.reserve(bytes.size());
-    for (char b : bytes) text += Chr1252(static_cast<unsigned char>(b));
-    return text;
-}
-
 bool InWindows1252(QChar c) { return c == '?' || Ord1252(c) != '?'; }
-
-// The text of a file and the encoding it was found in.
-QString DecodeFile(const QByteArray& content, TIniEncoding& encoding)
-{
-    if (content.startsWith(kUtf16LEBom)) {
-        encoding = TIniEncoding::Utf16LE;
-        return Decode(QStringConverter::Utf16LE, QByteArrayView(content).sliced(2));
-    }
-    if (content.startsWith(kUtf16BEBom)) {
-        encoding = TIniEncoding::Utf16BE;
-        return Decode(QStringConverter::Utf16BE, QByteArrayView(content).sliced(2));
-    }
-    if (content.startsWith(kUtf8Bom)) {
-        encoding = TIniEncoding::Utf8Bom;
-        return Decode(QStringConverter::Utf8, QByteArrayView(content).sliced(3));
-    }
-    bool invalid = false;
-    const QString text = Decode(QStringConverter::Utf8, content, &invalid);
-    encoding = invalid ? TIniEncoding::Windows1252 : TIniEncoding::Utf8;
-    return invalid ? FromWindows1252(content) : text;
-}
 
 }  // namespace
 
 TIniText::TIniText(const QByteArray& content)
 {
-    QString text = DecodeFile(content, encoding_);
+    QString text = DecodeText(content, encoding_);
     if (text.contains(QStringLiteral("\r\n"))) eol_ = QStringLiteral("\r\n");
     finalEol_ = text.isEmpty() || text.endsWith('\n');
     if (eol_.size() == 2) text.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
@@ -112,17 +62,7 @@ QByteArray TIniText::Content() const
         text += lines_[i];
         if (i + 1 < lines_.size() || finalEol_) text += eol_;
     }
-    switch (encoding_) {
-    case TIniEncoding::Utf8: return text.toUtf8();
-    case TIniEncoding::Utf8Bom: return kUtf8Bom + text.toUtf8();
-    case TIniEncoding::Utf16LE: return kUtf16LEBom + Encode(QStringConverter::Utf16LE, text);
-    case TIniEncoding::Utf16BE: return kUtf16BEBom + Encode(QStringConverter::Utf16BE, text);
-    case TIniEncoding::Windows1252: break;
-    }
-    QByteArray bytes;
-    bytes.reserve(text.size());
-    for (QChar c : text) bytes += static_cast<char>(Ord1252(c));
-    return bytes;
+    return EncodeText(text, encoding_);
 }
 
 bool TIniText::CanHold(const QString& text) const

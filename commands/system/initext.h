@@ -3,6 +3,8 @@
 // blank lines, lines of other forms, the file's line endings and its encoding stay as they were.
 // Sections and keys match without regard to case and to blanks around them, as on Windows; the
 // first section and the first key of a name count.
+#include "framework/typeconversion.h"
+
 #include <QByteArray>
 #include <QString>
 
@@ -11,9 +13,8 @@
 
 namespace dv {
 
-// How a file's text is stored: UTF-16 and UTF-8 with a byte order mark as they are found, UTF-8
-// without one, and Windows-1252 for a file that is not valid UTF-8.
-enum class TIniEncoding { Utf8, Utf8Bom, Utf16LE, Utf16BE, Windows1252 };
+// A file is written back in the encoding it was found in.
+using TIniEncoding = TTextEncoding;
 
 class TIniText {
 public:

@@ -3,6 +3,7 @@
 #include "framework/dvtools.h"
 #include "framework/exceptions.h"
 #include "framework/intconvert.h"
+#include "framework/olderline.h"
 #include "framework/services.h"
 #include "framework/translate.h"
 #include "framework/typeconversion.h"
@@ -36,15 +37,21 @@ bool TDVCmdArrayToString::DecodeScript(const QString& script, TParamList& params
     return true;
 }
 
+bool TDVCmdArrayToString::IsOlderLine(const QString& line) const { return IsPlainCall(line, QStringLiteral("ArrayToStr")); }
+
 QString TDVCmdArrayToString::GetDescription(const QString&, const TParamList& params)
 {
     return _("Konvertiere das Array >>") + params.GetString(QStringLiteral("Arr")) +
            _("<< in einen String und speichere ihn in ") + params.GetString(QStringLiteral("Str"));
 }
 
+// A text in the printed form "{72}{65}" converts into an array, as on passing it to any array
+// parameter; other texts and values are no array.
 QString TDVCmdArrayToString::Join(const TValue& array)
 {
-    const auto* elements = dynamic_cast<const TArrayValue*>(&array);
+    std::unique_ptr<TArrayValue> parsed;
+    if (const auto* text = dynamic_cast<const TStringValue*>(&array)) parsed = ParseArrayText(text->GetVal());
+    const auto* elements = parsed ? parsed.get() : dynamic_cast<const TArrayValue*>(&array);
     if (!elements) throw TDVRuntimeException(_("Ungültige Typumwandlung"));
     QString result;
     result.reserve(elements->GetSize());

@@ -3,6 +3,7 @@
 #include "framework/dvtools.h"
 #include "framework/exceptions.h"
 #include "framework/intconvert.h"
+#include "framework/olderline.h"
 #include "framework/services.h"
 #include "framework/translate.h"
 #include "framework/typeconversion.h"
@@ -170,6 +171,21 @@ QStringList TDVCmdNumberConversion::OlderNames() const
     QStringList names;
     for (const TNumberOperationRow& row : kOperations) names << QLatin1String(row.olderKeyword);
     return names;
+}
+
+// "HexToInt(IN:FF,OUT:X):0;": an older keyword, never NumberConvert, then the markers. The input
+// is literal text and may hold quotes of its own, so the markers are looked for in the whole line.
+// An assignment to a variable named like a keyword (High := 5) is no older line.
+bool TDVCmdNumberConversion::IsOlderLine(const QString& line) const
+{
+    return BeginsWithCall(line, OlderNames()) && line.contains(QLatin1String("OUT:"));
+}
+
+// The array operations read their input through GetValue; the others take its characters.
+bool TDVCmdNumberConversion::EvaluatesText(const TParamList& params, const QString& name) const
+{
+    const auto operation = static_cast<TNumberOperation>(SetOperation(params.GetString(QStringLiteral("Operation"))));
+    return name == QLatin1String("Input") && (operation == ccMaxArrayEntry || operation == ccSumOfArray);
 }
 
 QString TDVCmdNumberConversion::GetDescription(const QString&, const TParamList& params)

@@ -59,6 +59,8 @@ public:
     void ReadParams(TParamList& params) override;
     bool DecodeScript(const QString& script, TParamList& params, TDVScriptImporter* importer) override;
     QStringList OlderNames() const override;
+    bool IsOlderLine(const QString& line) const override;
+    bool EvaluatesText(const TParamList& params, const QString& name) const override;
     QString GetDescription(const QString& name, const TParamList& params) override;
     void Run(TParamList& params) override;
 

@@ -2,6 +2,7 @@
 
 #include "framework/dvtools.h"
 #include "framework/intconvert.h"
+#include "framework/olderline.h"
 #include "framework/services.h"
 #include "framework/translate.h"
 
@@ -183,6 +184,8 @@ void TDVCmdStringConversion::ReadParams(TParamList& params)
     params.AddString(QStringLiteral("Replace"), BoolText(f.replace));
     params.AddString(QStringLiteral("Count"), f.count);
 }
+
+bool TDVCmdStringConversion::IsOlderLine(const QString& line) const { return BeginsWithCall(line, OlderNames()); }
 
 bool TDVCmdStringConversion::DecodeScript(const QString& script, TParamList& params, TDVScriptImporter*)
 {

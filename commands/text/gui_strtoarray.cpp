@@ -2,6 +2,7 @@
 
 #include "framework/dvtools.h"
 #include "framework/exceptions.h"
+#include "framework/olderline.h"
 #include "framework/services.h"
 #include "framework/translate.h"
 #include "framework/typeconversion.h"
@@ -34,6 +35,8 @@ bool TDVCmdStringToArray::DecodeScript(const QString& script, TParamList& params
     ReadParams(params);
     return true;
 }
+
+bool TDVCmdStringToArray::IsOlderLine(const QString& line) const { return IsPlainCall(line, QStringLiteral("StrToArray")); }
 
 void TDVCmdStringToArray::Run(TParamList& params)
 {

@@ -137,11 +137,34 @@ TEST_F(Examples, OperatorAnsweredThroughAnswersAndAnHttpClient)
     EXPECT_TRUE(unanswered.out.contains("dvrun --answer MeldungsBox=")) << unanswered.out.toStdString();
 }
 
-TEST(OlderLines, ConvertToTheCurrentFormOfEachCommand)
+// The older lines of every command convert to their current form, and the converted script runs
+// with what each older line meant, in a folder with the files it names.
+TEST(OlderLines, ConvertToTheCurrentFormOfEachCommandAndRun)
 {
-    const TRun run = Dvrun({"--convert", DV_TEST_DATA_DIR "/examples/older_lines.dvs"});
-    EXPECT_EQ(run.exitCode, 0);
-    EXPECT_EQ(run.out, ReadFile(DV_TEST_DATA_DIR "/examples/older_lines.expected"));
+    const TRun converted = Dvrun({"--convert", DV_TEST_DATA_DIR "/examples/older_lines.dvs"});
+    EXPECT_EQ(converted.exitCode, 0);
+    EXPECT_EQ(converted.out, ReadFile(DV_TEST_DATA_DIR "/examples/older_lines.expected"));
+
+    QTemporaryDir dir;
+    for (const auto& [name, text] : {std::pair{"neu.dvs", converted.out}, {"x.txt", QString("x")}, {"a.ini", QString("[Main]\nName=Wert\n")}}) {
+        QFile f(dir.filePath(name));
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+        f.write(text.toUtf8());
+    }
+    QProcess p;
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.remove("DISPLAY");
+    env.remove("WAYLAND_DISPLAY");
+    p.setProcessEnvironment(env);
+    p.setWorkingDirectory(dir.path());  // the older lines name their files relative to it
+    p.start(DV_BINARY_DIR "/host/dvrun", {"neu.dvs", "--answer", "MeldungsBox=JA", "--answer", "OpenSaveDlg=" + dir.filePath("bericht")});
+    ASSERT_TRUE(p.waitForFinished(60000));
+    const QString err = QString::fromUtf8(p.readAllStandardError());
+    EXPECT_EQ(p.exitCode(), 0) << err.toStdString();
+    // HexToInt FF, ROUND 2.5 to even, the length of "Hi", the texts, Exec's return code, the file
+    // that exists, the INI value, the chosen file.
+    const QString expected = "255\n2\n2\nHallo Welt\nohne Schrift\n0\nTrue\nWert\n" + dir.filePath("bericht.csv") + "\nbleibt wie es ist\n";
+    EXPECT_EQ(QString::fromUtf8(p.readAllStandardOutput()), expected) << err.toStdString();
 }
 
 }  // namespace

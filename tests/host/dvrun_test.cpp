@@ -1,4 +1,5 @@
 // The dvrun binary as a child process: exit codes, options, reports and --convert.
+#include "framework/typeconversion.h"
 #include "host/scriptparser.h"
 
 #include <gtest/gtest.h>
@@ -21,6 +22,7 @@ struct TRun {
     QString out;
     QString err;
     bool crashed = false;  // ended by a signal
+    QByteArray bytes;      // stdout as written
 };
 
 class Dvrun : public testing::Test {
@@ -47,8 +49,9 @@ protected:
     TRun Finished(QProcess& p)
     {
         p.waitForFinished(60000);
-        return {p.exitCode(), QString::fromUtf8(p.readAllStandardOutput()), QString::fromUtf8(p.readAllStandardError()),
-                p.exitStatus() == QProcess::CrashExit};
+        const QByteArray out = p.readAllStandardOutput();
+        return {p.exitCode(), QString::fromUtf8(out), QString::fromUtf8(p.readAllStandardError()),
+                p.exitStatus() == QProcess::CrashExit, out};
     }
     TRun Run(const QStringList& args)
     {
@@ -63,7 +66,7 @@ protected:
     {
         QProcess p;
         Start(p, options + QStringList{script});
-        if (!p.waitForStarted(10000)) return {-1, {}, {}, false};
+        if (!p.waitForStarted(10000)) return {-1, {}, {}, false, {}};
         while (p.state() == QProcess::Running && !p.canReadLine()) p.waitForReadyRead(10000);
         QThread::msleep(waitMs);
         ::kill(static_cast<pid_t>(p.processId()), signal);
@@ -214,7 +217,10 @@ TEST_F(Dvrun, ConvertWarnsOfLinesItKeeps)
     EXPECT_EQ(converted.exitCode, 0);
     EXPECT_TRUE(converted.out.startsWith("var A : Array of Number\nHexToInt(IN:FF,OUT:A[1]):0; // nicht umgesetzt: "))
         << converted.out.toStdString();
-    EXPECT_TRUE(converted.err.startsWith("dvrun: Zeile 2: nicht umgesetzt: ")) << converted.err.toStdString();
+    EXPECT_TRUE(converted.err.startsWith(dir.filePath("alt.dvs") + ":2: nicht umgesetzt: ")) << converted.err.toStdString();
+    const TRun run = Run({Script("neu.dvs", converted.out)});
+    EXPECT_EQ(run.exitCode, 2);
+    EXPECT_TRUE(run.err.startsWith(dir.filePath("neu.dvs") + ":2:")) << run.err.toStdString();
 }
 
 // Scripts built to break the interpreter end with their message, file and line, the exit code and a
@@ -431,11 +437,40 @@ TEST_F(Dvrun, AScriptThatIsNotUtf8IsReadAsWindows1252)
     const TRun r = Run({ScriptBytes("w.dvs", script)});
     EXPECT_EQ(r.exitCode, 0) << r.err.toStdString();
     EXPECT_EQ(r.out, QString::fromUtf8("Grüße € „a“\n"));
-    const TRun converted = Run({"--convert", ScriptBytes("w.dvs", script)});
-    EXPECT_EQ(converted.exitCode, 0);
-    EXPECT_EQ(converted.out, QString::fromUtf8("var Größe : String = \"Grüße € „a“\"\nLog(Größe)\n"));
     // Valid UTF-8 stays UTF-8, even where its bytes would also be Windows-1252 text.
     EXPECT_EQ(Run({Script("u.dvs", QString::fromUtf8("Log(\"Grüße\")"))}).out, QString::fromUtf8("Grüße\n"));
+}
+
+// Scripts from Windows stations run in each encoding they come in, and --convert writes them back
+// in it: byte for byte without older lines, with the older line rewritten otherwise.
+TEST_F(Dvrun, ConvertKeepsTheEncodingOfTheScript)
+{
+    using dv::EncodeText;
+    using dv::TTextEncoding;
+    const QString current = QString::fromUtf8("var Größe : String = \"Grüße € „a“\"\r\nLog(Größe)\r\n");
+    const QString older = QString::fromUtf8("var N : Number\r\nTextOut([OUT:Grüße €]);\r\nHexToInt(IN:FF,OUT:N):0;\r\nLog(N)\r\n");
+    const QString expected = QString::fromUtf8(
+        "var N : Number\r\nTextOut(Text := \"Grüße €\", Font := \"\", FontSize := 10, FontColor := 0, FontStyle := \"Arial\");\r\n"
+        "NumberConvert(Operation := \"ccHexToInt\", Input := \"FF\", Output := N, Stellen := 0);\r\nLog(N)\r\n");
+    const TTextEncoding encodings[] = {TTextEncoding::Windows1252, TTextEncoding::Utf8, TTextEncoding::Utf8Bom,
+                                       TTextEncoding::Utf16LE, TTextEncoding::Utf16BE};
+    for (const TTextEncoding e : encodings) {
+        const int code = static_cast<int>(e);
+        const QByteArray bytes = EncodeText(current, e);
+        const TRun run = Run({ScriptBytes("c.dvs", bytes)});
+        EXPECT_EQ(run.exitCode, 0) << code << run.err.toStdString();
+        EXPECT_EQ(run.out, QString::fromUtf8("Grüße € „a“\n")) << code;
+        const TRun same = Run({"--convert", ScriptBytes("c.dvs", bytes)});
+        EXPECT_EQ(same.exitCode, 0) << code;
+        EXPECT_EQ(same.bytes, bytes) << code;
+
+        const TRun converted = Run({"--convert", ScriptBytes("o.dvs", EncodeText(older, e))});
+        EXPECT_TRUE(converted.err.isEmpty()) << code << converted.err.toStdString();
+        EXPECT_EQ(converted.bytes, EncodeText(expected, e)) << code;
+        const TRun after = Run({ScriptBytes("n.dvs", converted.bytes)});
+        EXPECT_EQ(after.exitCode, 0) << code << after.err.toStdString();
+        EXPECT_EQ(after.out, QString::fromUtf8("Grüße €\n255\n")) << code;
+    }
 }
 
 }  // namespace

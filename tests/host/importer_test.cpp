@@ -61,23 +61,75 @@ TEST(CommandLine, ArgumentsSplitOnlyAtTopLevelCommas)
     EXPECT_EQ(SplitArguments(""), QStringList{""});
 }
 
-TEST(Importer, ScriptsInTheCurrentFormStayByteForByte)
+// Working current scripts come out unchanged and still run: calls spread over several lines,
+// structure lines with their blanks, assignments to names like older keywords, procedures of the
+// script named like older procedures.
+TEST(Importer, ScriptsInTheCurrentFormStayByteForByteAndRun)
 {
-    const char* scripts[] = {
+    const QString scripts[] = {
         "var High, Low, round : Number\nHigh := 5\nround := Low * 2\n",
-        "High := 5\r\nround := Low * 2\r\n",  // not even declared: still no older line
+        "var High, Low : Number\r\nHigh := 5\r\nLow := High * 2\r\n",
         "var X : Misc\nTextOut(\"Hallo\")\nNumberConvert(\"ccIntToHex\", 255, X, 4)\n",
         "var S : String\nArrayToStr(S, [72, 105]);  // bleibt\n",
         "var S : String\nvar A : Array of String\nStrToArray(\"123\", A)\nArrayToStr(S, A)",
         "  93:TextOut(Text := \"a\",\n    FontSize := 12)\n",
         "var N : Number\nif N > 1 then\n  TextOut(N + 1)\nend if\n",
         "(* ältere Zeilen, abgeschaltet:\nHexToInt(IN:FF,OUT:N):0;\n*)\n",
+        // Calls spread over lines, positional and named.
+        "var S : String\nvar X : Misc\nvar A : Array of Number\nTextOut(\"Hallo\",\n        \"Arial\", 12);\n"
+        "NumberConvert(\"ccIntToHex\",\n              255, X, 4);\nStrToArray(\"HI\",\n           A);\nArrayToStr(S,\n           A);\n"
+        "StringBearbeitung(Input := \"abc\",\n                  Output := X, UpperCase := True);\nTextOut(\"Hallo\" +\n        S);\n",
+        // Structure lines in the current form, blanks and spelling as written.
+        "// Kommentar mit Blanks am Ende   \nvar I, N : Number\nfor I := 1 to 3 do   \n  N := N + I\t\nend for   \n"
+        "while N > 100 do  \n  N := N - 1\nend while\nrepeat\n  N := N - 1\nuntil N < 3  \ncase  N  of    \nselect 2:\n"
+        "  Log(\"zwei\")\nend case\nif N > 1.5 then   \n  Log(\"gross\")   \nend if\nFOR I:=1 TO 2 DO\nend for\n"
+        "if N > 1 then Log(\"a,b\") end if\n//Kommentar\n   // eingerückt  \n",
+        // The script's own procedure shadows the older procedure name.
+        "procedure CreateDir(Name : String);\n  Log(Name)\nend procedure\nCreateDir(\"x\")\n",
     };
-    for (const char* script : scripts) {
+    for (const QString& script : scripts) {
         THost host;
         QStringList warnings;
-        EXPECT_EQ(ConvertScript(script, host.Commands(), &warnings).toStdString(), script);
-        EXPECT_TRUE(warnings.isEmpty()) << script;
+        EXPECT_EQ(ConvertScript(script, host.Commands(), &warnings).toStdString(), script.toStdString());
+        EXPECT_TRUE(warnings.isEmpty()) << script.toStdString() << warnings.join('\n').toStdString();
+        const TScriptOutcome run = RunScriptText(script);
+        EXPECT_EQ(run.exitCode, 0) << script.toStdString() << run.errors.join('\n').toStdString();
+    }
+}
+
+// A command call that the current grammar cannot read and that is no older line of its command
+// (a typo), or that reads only with words the script does not declare (older or misspelt: only
+// its author knows), is never replaced: it stays, marked, and still fails where it failed.
+TEST(Importer, CallsThatAreNoOlderLinesAreKeptWithAWarning)
+{
+    const QString head = "var S : String\nvar X : Misc\nvar A : Array of String\n";
+    const struct {
+        const char* line;
+        const char* reason;  // part of the reason given
+    } rows[] = {
+        {"TextOut(\"Hallo\" + S;", "\")\" erwartet (für \"(\" in Zeile 4)"},
+        {"TextOut(Text := \"Hallo\" + S;", "\")\" erwartet"},
+        {"TextOut(\"[OUT:\" + S;", "\")\" erwartet"},  // the marker is text, not the older form
+        {"NumberConvert(\"ccIntToHex\", 255, X, 4;", "\")\" erwartet"},
+        {"ArrayToStr(S, [72, 105];", "\")\" erwartet"},
+        {"HexToInt(FF);", ""},  // an older name without the older form's markers
+        {"StrToArray(Hallo, A);", "\"Hallo\" wurde nicht als Variable deklariert"},
+        {"ArrayToStr(A, B);", "\"B\" wurde nicht als Variable deklariert"},
+        {"MeldungsBox(\"Achtung\",mtError,[mbYes]);", "wurde nicht als Variable deklariert"},
+    };
+    for (const auto& r : rows) {
+        THost host;
+        QStringList warnings;
+        const QString converted = ConvertScript(head + r.line + "\nLog(\"danach\")", host.Commands(), &warnings);
+        EXPECT_EQ(converted.section('\n', 3, 3).section(" // nicht umgesetzt: ", 0, 0), r.line) << converted.toStdString();
+        EXPECT_EQ(warnings.size(), 1) << r.line;
+        if (warnings.size() != 1) continue;
+        EXPECT_TRUE(warnings[0].startsWith("Zeile 4: nicht umgesetzt: ") && warnings[0].contains(r.reason))
+            << warnings[0].toStdString();
+        EXPECT_TRUE(converted.section('\n', 3, 3).endsWith(warnings[0].section(": ", 1))) << converted.toStdString();
+        const TScriptOutcome run = RunScriptText(converted);
+        EXPECT_EQ(run.exitCode, 2) << converted.toStdString();
+        EXPECT_TRUE(run.errors.join('\n').contains("test.dvs:4:")) << run.errors.join('\n').toStdString();
     }
 }
 
@@ -107,6 +159,15 @@ TEST(Importer, ConvertedLinesRunWithTheOlderMeaning)
         {"TextOut([OUT:PROJEKTPFAD]);", "", "/projekt"},
         {"   7:HexToInt(IN:FF,OUT:N):0; // Wert", "N", "255"},
         {"ArrayToStr(A, S);", "S", "Hi"},
+        // The array operations evaluate their input; the others read its characters.
+        {"MaxArrayEntry(IN:[1,2,3],OUT:N):0;", "N", "3"},
+        {"SUM_OF_ARRAY(IN:[1,2,3.5],OUT:N):0;", "N", "6.5"},
+        {"SUM_OF_ARRAY(IN:{1}{2},OUT:N):0;", "N", "3"},
+        {"SUM_OF_ARRAY(IN:A,OUT:N):0;", "N", "177"},
+        {"ORD(IN:[1],OUT:N):0;", "N", "91"},
+        // A "(" or "//" of the older text itself.
+        {"TextOut([OUT:Spannung (V]);", "", "Spannung (V"},
+        {"TextOut([OUT:http://host/pfad]);", "", "http://host/pfad"},
     };
     for (const auto& p : probes) {
         THost host;
@@ -122,28 +183,132 @@ TEST(Importer, ConvertedLinesRunWithTheOlderMeaning)
 
 TEST(Importer, TrailingCommentsAndMarkersStayWithTheConvertedLine)
 {
+    const struct {
+        const char* older;
+        const char* start;  // of the converted line
+        const char* end;
+    } rows[] = {
+        {"  7:HexToInt(IN:FF,OUT:N):0;  // Wert", "  7:NumberConvert(", ");  // Wert"},
+        {"HexToInt(IN:FF,OUT:N):0 // ohne Semikolon", "NumberConvert(", "Stellen := 0); // ohne Semikolon"},
+        {"HexToInt(IN:FF,OUT:N):0;// c", "NumberConvert(", ");// c"},
+        {"HexToInt(IN:FF,OUT:N):0; (* Block *)", "NumberConvert(", "); (* Block *)"},
+        {"TextOut([OUT:a//b]) // c", "TextOut(Text := \"a//b\"", "); // c"},
+    };
+    for (const auto& r : rows) {
+        for (const QString& eol : {QString("\n"), QString("\r\n")}) {
+            THost host;
+            const QString converted = ConvertScript("var N : Number" + eol + r.older + eol + "Log(N)" + eol, host.Commands());
+            const QStringList lines = converted.split(eol);
+            ASSERT_EQ(lines.size(), 4) << converted.toStdString();
+            EXPECT_TRUE(lines[1].startsWith(r.start) && lines[1].endsWith(r.end)) << lines[1].toStdString();
+            const TScriptOutcome run = RunScriptText(converted);
+            EXPECT_EQ(run.exitCode, 0) << converted.toStdString() << run.errors.join('\n').toStdString();
+        }
+    }
+}
+
+// A procedure's parameters are variables of the script: an older line in the procedure reads them.
+TEST(Importer, OlderLinesInAProcedureReadItsParameters)
+{
+    const QString older = "var X : Number\nprocedure Wandle(H : String; var Y : Number);\n  HexToInt(IN:H,OUT:Y):0;\nend procedure\n"
+                          "Wandle(\"FF\", X)\nLog(X)\n";
     THost host;
-    const QString converted = ConvertScript("var N : Number\r\n  7:HexToInt(IN:FF,OUT:N):0;  // Wert\r\n", host.Commands());
-    const QStringList lines = converted.split("\r\n");
-    ASSERT_EQ(lines.size(), 3);
-    EXPECT_TRUE(lines[1].startsWith("  7:NumberConvert(")) << lines[1].toStdString();
-    EXPECT_TRUE(lines[1].endsWith(");  // Wert")) << lines[1].toStdString();
+    QStringList warnings;
+    const QString converted = ConvertScript(older, host.Commands(), &warnings);
+    EXPECT_TRUE(warnings.isEmpty()) << warnings.join('\n').toStdString();
+    EXPECT_EQ(converted.section('\n', 2, 2), "  NumberConvert(Operation := \"ccHexToInt\", Input := H, Output := Y, Stellen := 0);");
+    const TScriptOutcome run = RunScriptText(converted);
+    EXPECT_EQ(run.exitCode, 0) << run.errors.join('\n').toStdString();
+    EXPECT_EQ(run.output, QStringList{"255"});
+}
+
+// An older text may open a bracket or a comment it never closes; the next line is a statement of
+// its own.
+TEST(Importer, AnOpenBracketInAnOlderTextEndsWithItsLine)
+{
+    const QString older = "var N : Number\nTextOut([OUT:Spannung (V]);\nStatusBar(Wert (*alt);\nHexToInt(IN:FF,OUT:N):0;\nLog(N)\n";
+    THost host;
+    QStringList warnings;
+    const QString converted = ConvertScript(older, host.Commands(), &warnings);
+    EXPECT_TRUE(warnings.isEmpty()) << warnings.join('\n').toStdString();
+    EXPECT_EQ(converted.section('\n', 2, 2), "StatusText(Text := \"Wert (*alt\");");
+    EXPECT_EQ(converted.section('\n', 3, 3), "NumberConvert(Operation := \"ccHexToInt\", Input := \"FF\", Output := N, Stellen := 0);");
+    const TScriptOutcome run = RunScriptText(converted);
+    EXPECT_EQ(run.exitCode, 0) << converted.toStdString() << run.errors.join('\n').toStdString();
+    EXPECT_EQ(run.output, (QStringList{"Spannung (V", "255"}));
+}
+
+// Each command tells its older lines from current calls of the same procedure.
+TEST(Importer, EachCommandKnowsTheShapeOfItsOlderLines)
+{
+    const struct {
+        const char* procedure;
+        const char* line;
+        bool older;
+    } rows[] = {
+        {"NumberConvert", "HexToInt(IN:FF,OUT:X):0;", true},
+        {"NumberConvert", "hextoint (IN:FF,OUT:X):0", true},
+        {"NumberConvert", "HexToInt(IN:\"F\"F\",OUT:X):0;", true},  // quotes of the older text
+        {"NumberConvert", "NumberConvert(\"ccHexToInt\", \"FF\", X, 0;", false},
+        {"NumberConvert", "High := 5", false},
+        {"NumberConvert", "HexToInt(FF)", false},
+        {"TextOut", "TextOut([OUT:Hallo]);", true},
+        {"TextOut", "TextOut([font:Arial:10:bold]);", true},
+        {"TextOut", "TextOut([OUT:5\" Zoll][COL:255]);", true},
+        {"TextOut", "TextOut(\"x\" + [FONT:", true},
+        {"TextOut", "TextOut(\"[OUT:Hallo]\"", false},
+        {"StringBearbeitung", "FormatStr(IN:x,LENGHT,OUT:N);", true},
+        {"StringBearbeitung", "StringBearbeitung(Input := \"x\"", false},
+        {"StatusText", "StatusBar(Bereit);", true},
+        {"StatusText", "StatusText(Bereit;", false},
+        {"ArrayToStr", "ArrayToStr(A, S);", true},
+        {"ArrayToStr", "ArrayToStr(A,", false},
+        {"ArrayToStr", "ArrayToStr(Str := S, Arr := A", false},
+        {"StrToArray", "StrToArray(Hallo, A)", true},
+        {"MeldungsBox", "MeldungsBox(\"a\",mtError);", true},
+        {"MeldungsBox", "MeldungsBox(\"a\",[mbOK]);", true},
+        {"MeldungsBox", "MeldungsBox(\"a\",@x:1,@y:2);", true},
+        {"MeldungsBox", "MeldungsBox(\"mtError [mbOK] @x:\"", false},
+        {"MeldungsBox", "MeldungsBox(Text := T, Type := mtErrorText,", false},
+        {"OpenSaveDlg", "OpenSaveDlg(OPEN_DIALOG,[FILE:F]);", true},
+        {"OpenSaveDlg", "OpenSaveDlg(True, F, \"[FILE:\"", false},
+        {"SysUtils", "FILEEXIST(a.txt):N;", true},
+        {"SysUtils", "SysUtils(\"FileExist\", \"a\", N", false},
+        {"IniFile", "IniFiles_ReadString(Filename:a.ini,Sec:S,Id:K,Value:,Result:R,);", true},
+        {"IniFile", "IniFile(\"a.ini\", \"S\"", false},
+        {"Exec", "Exec(prog,Param:,Pfad:,Result:N,V:False);", true},
+        {"Exec", "Exec(\"prog\", \",Param:\"", false},
+    };
+    THost host;
+    for (const auto& r : rows) {
+        TDVThreadRunEdit* command = host.Commands().ForProcedure(r.procedure);
+        ASSERT_NE(command, nullptr) << r.procedure;
+        EXPECT_EQ(command->IsOlderLine(r.line), r.older) << r.line;
+    }
 }
 
 // A line that cannot become a current line stays as it was, marked, and is named in a warning.
 TEST(Importer, UnconvertibleLinesAreKeptWithTheirReason)
 {
-    const char* lines[] = {
-        "HexToInt(IN:FF,OUT:A[1]):0;",
-        "StringBearbeitung(IN:x,OUT:S);",
+    const struct {
+        const char* line;
+        const char* reason;
+    } rows[] = {
+        {"HexToInt(IN:FF,OUT:A[1]):0;", "Output erwartet eine Variable, nicht \"A[1]\""},
+        {"formatstr(IN:x,OUT:A);", "keine ältere Zeile von StringBearbeitung"},  // decoded only as "FormatStr("
+        {"HexToInt(IN:FF,OUT:end):0;", "bei 'end'"},  // a name, but a keyword: the new line does not parse
     };
-    for (const char* line : lines) {
+    for (const auto& r : rows) {
         THost host;
         QStringList warnings;
-        const QString converted = ConvertScript(QString("var A : Array of Number\n") + line, host.Commands(), &warnings);
-        EXPECT_TRUE(converted.startsWith(QString("var A : Array of Number\n") + line + " // nicht umgesetzt: ")) << converted.toStdString();
-        ASSERT_EQ(warnings.size(), 1) << line;
-        EXPECT_TRUE(warnings[0].startsWith("Zeile 2: nicht umgesetzt: ")) << warnings[0].toStdString();
+        const QString converted = ConvertScript(QString("var A : Array of Number\n") + r.line, host.Commands(), &warnings);
+        EXPECT_TRUE(converted.startsWith(QString("var A : Array of Number\n") + r.line + " // nicht umgesetzt: ")) << converted.toStdString();
+        ASSERT_EQ(warnings.size(), 1) << r.line;
+        EXPECT_TRUE(warnings[0].startsWith("Zeile 2: nicht umgesetzt: ") && warnings[0].contains(r.reason)) << warnings[0].toStdString();
+        // The line fails as the older one would have in this host, and nothing else does.
+        const TScriptOutcome run = RunScriptText(converted);
+        EXPECT_EQ(run.exitCode, 2) << converted.toStdString();
+        EXPECT_TRUE(run.errors.join('\n').startsWith("test.dvs:2:")) << run.errors.join('\n').toStdString();
     }
 }
 

@@ -89,6 +89,10 @@ TEST(ArrayToStrInAScript, JoinsTheArrayTheHostHandsOver)
         {"ArrayToStr(S, [])", ""},
         {"ArrayToStr(S, [True, 65, \"}{\"])", "A}{"},
         {"var A : Array of Misc = [\"x\", 121.5]\nArrayToStr(S, A)", "xz"},
+        // A text in the printed form converts into an array, as on passing it to any array parameter.
+        {"ArrayToStr(S, \"{72}{65}\")", "HA"},
+        {"var M : Misc = \"{72}{A}\"\nArrayToStr(S, M)", "HA"},
+        {"ArrayToStr(S, \"\")", ""},
     };
     for (const auto& r : rows) {
         const QString script = QString("var S : String = \"vorher\"\n") + r.lines + "\nLog(\"<\" + S + \">\")";
@@ -110,7 +114,7 @@ TEST(ArrayToStrInAScript, LineBreaksInElementsSurviveTheRoundTrip)
 
 TEST(ArrayToStrInAScript, AValueThatIsNoArrayIsAnInvalidCast)
 {
-    for (const char* value : {"\"Hallo Welt\"", "65"}) {
+    for (const char* value : {"\"Hallo Welt\"", "65", "\"{72}{65\""}) {
         const QString script = QString("var S : String = \"vorher\"\nvar M : Misc = %1\nArrayToStr(S, M)\nLog(S)").arg(value);
         const host::test::TScriptOutcome run = host::test::RunScriptText(script);
         EXPECT_EQ(run.exitCode, 1) << value;
