@@ -115,18 +115,51 @@ TEST_F(WorkbenchTest, PaletteInsertsATcpCallWrittenFromItsDialogWithNamedArgumen
     EXPECT_TRUE(window.Editor().LastCheck().errors.empty()) << "the written line must read back as a call";
 }
 
-TEST_F(WorkbenchTest, PaletteGroupsEveryCatalogueRowAndDisablesTheOnesNotBuilt)
+TEST_F(WorkbenchTest, PaletteListsEveryCatalogueRowUnderItsSubsystem)
 {
-    const QTreeWidgetItem* tcp = window.Palette().ItemOf("TCP");
-    const QTreeWidgetItem* box = window.Palette().ItemOf("MeldungsBox");
-    ASSERT_TRUE(tcp && box);
-    EXPECT_EQ(tcp->parent()->text(0), "System");
-    EXPECT_EQ(box->parent()->text(0), "Dialoge");
-    for (const dv::TCatalogueRow& row : dv::Catalogue()) {
-        const QTreeWidgetItem* item = window.Palette().ItemOf(QString::fromLatin1(row.procedure));
-        ASSERT_TRUE(item) << row.procedure;
-        EXPECT_EQ(bool(item->flags() & Qt::ItemIsEnabled), dv::IsAvailable(row)) << row.procedure;
+    QStringList groups;
+    for (int i = 0; i < window.Palette().topLevelItemCount(); ++i) groups << window.Palette().topLevelItem(i)->text(0);
+    EXPECT_EQ(groups, QStringList({"Text", "Struktur", "System", "Dialoge", "Scope", "Bild", "Labor"}));
+    const std::pair<const char*, const char*> placed[] = {
+        {"ArrayToStr", "Text"}, {"(loop)", "Struktur"}, {"(comment)", "Struktur"}, {"TCP", "System"},
+        {"MeldungsBox", "Dialoge"}, {"FormResult", "Dialoge"}, {"Scope", "Scope"}, {"ImageCapture", "Bild"},
+        {"ShowLabor", "Labor"},
+    };
+    for (const auto& [procedure, group] : placed) {
+        const QTreeWidgetItem* item = window.Palette().ItemOf(procedure);
+        ASSERT_TRUE(item && item->parent()) << procedure;
+        EXPECT_EQ(item->parent()->text(0), group) << procedure;
     }
+    int rows = 0;
+    for (int i = 0; i < window.Palette().topLevelItemCount(); ++i) rows += window.Palette().topLevelItem(i)->childCount();
+    EXPECT_EQ(rows, static_cast<int>(dv::Catalogue().size()));
+}
+
+TEST(CommandPalette, RowsNotBuiltAreGreyedAndInsertNothing)
+{
+    const dv::TCatalogueRow rows[] = {
+        {"Gebaut", "procedure Gebaut;", "TDVCmdGebaut", dv::TBaseKind::Func, "", 0, dv::TSubsystem::System},
+        {"Fehlt", "procedure Fehlt;", "TDVCmdFehlt", dv::TBaseKind::Func, "", 0, dv::TSubsystem::System},
+        {"Kamera", "procedure Kamera;", "TDVCmdKamera", dv::TBaseKind::Func, "", 0, dv::TSubsystem::Image},
+    };
+    TCommandPalette palette(rows, [](const dv::TCatalogueRow& row) { return QString(row.procedure) != "Fehlt"; });
+    palette.show();
+    ASSERT_EQ(palette.topLevelItemCount(), 2) << "groups without rows are left out";
+    QSignalSpy requested(&palette, &TCommandPalette::InsertRequested);
+    for (const char* procedure : {"Fehlt", "Gebaut", "Kamera"}) {
+        QTreeWidgetItem* item = palette.ItemOf(procedure);
+        ASSERT_TRUE(item) << procedure;
+        palette.setCurrentItem(item);
+        QTest::keyClick(&palette, Qt::Key_Return);
+        emit palette.itemDoubleClicked(item, 0);
+    }
+    const QTreeWidgetItem* missing = palette.ItemOf("Fehlt");
+    EXPECT_FALSE(missing->flags() & Qt::ItemIsEnabled);
+    EXPECT_TRUE(missing->toolTip(0).endsWith("(nicht verfügbar)")) << missing->toolTip(0).toStdString();
+    EXPECT_TRUE(palette.ItemOf("Gebaut")->flags() & Qt::ItemIsEnabled);
+    QStringList classes;
+    for (const QList<QVariant>& args : requested) classes << args.at(0).toString();
+    EXPECT_EQ(classes, QStringList({"TDVCmdGebaut", "TDVCmdGebaut", "TDVCmdKamera", "TDVCmdKamera"}));
 }
 
 TEST_F(WorkbenchTest, EditingALineAndCancellingChangesNothingWhileOkRewritesItInPlace)
