@@ -17,6 +17,7 @@
 #include <QDialog>
 #include <QElapsedTimer>
 #include <QLabel>
+#include <QMessageBox>
 #include <QSignalSpy>
 #include <QStringListModel>
 #include <QTemporaryDir>
@@ -255,6 +256,82 @@ TEST_F(WorkbenchTest, CaseAndCommentRowsWriteTheirLinesBelowTheCurrentOne)
     EXPECT_EQ(window.Editor().toPlainText().count('\n'), 4) << window.Editor().toPlainText().toStdString();
     EXPECT_TRUE(window.Editor().LineText(4).startsWith("case")) << window.Editor().LineText(4).toStdString();
     EXPECT_EQ(window.Editor().LineText(5), "631:end case");
+}
+
+// F2 on a line, act works the dialog named form; the line as it reads afterwards.
+QString EditLineWith(TMainWindow& window, const QString& line, const char* form, std::function<void(QWidget&)> act)
+{
+    window.Editor().setPlainText("var R : String\nvar N : Number\n" + line);
+    window.Editor().GoToLine(3);
+    bool shown = false;
+    OnModal(form, [&shown, act](QWidget& d) {
+        shown = true;
+        act(d);
+    });
+    window.EditCurrentLine();
+    EXPECT_TRUE(shown) << "no " << form << " for " << line.toStdString();
+    return window.Editor().LineText(3);
+}
+
+TEST_F(WorkbenchTest, EditingALineKeepsItsMarkerAndWhatFollowsTheStatement)
+{
+    const auto port = [](QWidget& d) {
+        Type(d, "DVEdit_Port", "2");
+        Click(d, "BT_OK");
+    };
+    const QString tcp = "TCP(Host := \"h\", Port := 2, Send := \"x\", Sentinel := [10], Result := R);";
+    const struct {
+        QString line;
+        const char* form;
+        std::function<void(QWidget&)> act;
+        QString edited;
+    } rows[] = {
+        {"TCP(Host := \"h\", Port := 1, Send := \"x\", Result := R); // Messgeraet", "TFormTCP", port, tcp + " // Messgeraet"},
+        {"  TCP(Host := \"h\", Port := 1, Send := \"x\", Result := R);  Log(R)", "TFormTCP", port, "  " + tcp + "  Log(R)"},
+        {"TCP(Host := \"(\", Port := 1, Send := \")\", Result := R) Log(R)", "TFormTCP", port,
+         "TCP(Host := \"(\", Port := 2, Send := \")\", Sentinel := [10], Result := R); Log(R)"},
+        {"  93:until N >= 3;", "TDVGUILoop",
+         [](QWidget& d) {
+             EXPECT_EQ(dv::test::Find<QLineEdit>(d, "Edit_RepeatCondition").text(), "N >= 3");
+             Type(d, "Edit_RepeatCondition", "N >= 4");
+             Click(d, "BT_OK");
+         },
+         "  93:until N >= 4;"},
+        {"until N > 1; Log(\"do\") // fertig", "TDVGUILoop",
+         [](QWidget& d) {
+             Type(d, "Edit_RepeatCondition", "N > 2");
+             Click(d, "BT_OK");
+         },
+         "until N > 2; Log(\"do\") // fertig"},
+        {"while N < 3 do // warten", "TDVGUILoop",
+         [](QWidget& d) {
+             Type(d, "Edit_WhileCondition", "N < 4");
+             Click(d, "BT_OK");
+         },
+         "while N < 4 do // warten"},
+        {"if N > 1 then Log(\"gross\")", "TIfThenElse", [](QWidget& d) { ConfirmCondition(d, "N > 5"); },
+         "if N > 5 then Log(\"gross\")"},
+    };
+    for (const auto& r : rows) EXPECT_EQ(EditLineWith(window, r.line, r.form, r.act), r.edited) << r.line.toStdString();
+}
+
+TEST_F(WorkbenchTest, EndAndRepeatLinesOfLoopsAnswerWithTheLoopsMessage)
+{
+    const std::pair<const char*, const char*> rows[] = {
+        {"93:end for", "Sie können das Ende einer For- oder While-schleife nicht editieren, editieren Sie stattdessen den Schleifenkopf."},
+        {"  end while", "Sie können das Ende einer For- oder While-schleife nicht editieren, editieren Sie stattdessen den Schleifenkopf."},
+        {"repeat", "Eine Repeat-Anweisung kann nicht editiert werden. Bitte editieren Sie die abschliessende Until-Anweisung."},
+    };
+    for (const auto& [line, message] : rows) {
+        QString shown;
+        const QString after = EditLineWith(window, line, "MessageDlg", [&shown](QWidget& box) {
+            shown = static_cast<QMessageBox&>(box).text();
+            static_cast<QMessageBox&>(box).accept();
+        });
+        EXPECT_EQ(shown, message) << line;
+        EXPECT_EQ(after, line);
+    }
+    EXPECT_FALSE(CommandOfLine("end if", window.Commands())) << "only loops have a command for their end";
 }
 
 TEST_F(WorkbenchTest, IfHeadIsEditedInPlaceThroughItsDialogAndCancelLeavesTheScript)
