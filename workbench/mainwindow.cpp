@@ -72,7 +72,6 @@ TMainWindow::TMainWindow(QWidget* parent)
     editor_->SetChecker([this](const QString& text) {
         TScriptCheck check = CheckScript(text, editHost_.Commands());
         variableNames_.setStringList(check.globals);
-        editHost_.Program().globals = check.globalScope;  // an if condition may name the script's variables
         return check;
     });
     editor_->SetLineTip([this](const QString& line) { return DescribeLine(line, editHost_.Commands()); });
@@ -373,7 +372,7 @@ bool TMainWindow::InsertCommand(const QString& commandClass)
     if (session_) return false;
     TDVRunEdit* command = editHost_.Commands().ForClass(commandClass);
     if (!command) return false;
-    editor_->CheckNow();  // the dialog's edit boxes offer the names declared so far
+    PrepareEdit(editor_->CurrentLine());
     try {
         auto* call = dynamic_cast<TDVThreadRunEdit*>(command);
         const std::optional<QString> text =
@@ -385,6 +384,16 @@ bool TMainWindow::InsertCommand(const QString& commandClass)
         Report(e.Message());
         return false;
     }
+}
+
+void TMainWindow::PrepareEdit(int line)
+{
+    // The dialogs' edit boxes offer, and an if condition may name, what is declared at the line:
+    // inside a procedure its parameters and locals too.
+    editor_->CheckNow();
+    const host::TScope scope = editor_->LastCheck().ScopeAt(line);
+    editHost_.Program().globals = scope;
+    variableNames_.setStringList(Names(scope));
 }
 
 void TMainWindow::PlaceNewText(const QString& text)
@@ -411,7 +420,7 @@ bool TMainWindow::EditCurrentLine()
     const QString text = editor_->LineText(line);
     const TLineCommand command = CommandOfLine(text, editHost_.Commands());
     if (!command) return false;
-    editor_->CheckNow();
+    PrepareEdit(line);
     try {
         const std::optional<QString> edited =
             command.call ? EditCall(*command.call, text) : EditStructure(*command.structure, line, text);

@@ -81,6 +81,7 @@ private:
     void SetRunning(bool running);
     void PollRun();
     void UpdateTitle();
+    void PrepareEdit(int line);
     void PlaceNewText(const QString& text);
     void Report(const QString& message);
 

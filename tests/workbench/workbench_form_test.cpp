@@ -359,6 +359,53 @@ TEST_F(WorkbenchTest, IfHeadIsEditedInPlaceThroughItsDialogAndCancelLeavesTheScr
               "var A : Number = 3\nif A > 1 then\n  if A > 5 then\n    Log(\"gross\")\n  end if\nend if");
 }
 
+TEST_F(WorkbenchTest, IfConditionsMayNameWhatIsDeclaredAtTheEditedLine)
+{
+    const QString script =
+        "var Grenze : Number = 1\n"
+        "procedure Messe(Kanal : Number; var Antwort : String)\n"
+        "  var Wert : Number\n"
+        "  if Kanal > 1 then\n"
+        "  end if\n"
+        "end procedure\n"
+        "procedure Leer\n"
+        "  if Grenze > 0 then\n"
+        "  end if\n"
+        "end procedure\n"
+        "if Grenze > 0 then\n"
+        "end if";
+    const struct {
+        int line;
+        const char* condition;
+        bool accepted;
+    } rows[] = {
+        {4, "Kanal > Grenze and Wert > 2", true}, {4, "Antwort = \"ok\"", true}, {4, "Unbekannt > 1", false},
+        {8, "Grenze > 2", true}, {8, "Kanal > 1", false},  // another procedure's parameter
+        {11, "Grenze > 3", true}, {11, "Wert > 1", false},  // outside every procedure
+    };
+    for (const auto& r : rows) {
+        SetScript(script);
+        window.Editor().GoToLine(r.line);
+        bool open = false;
+        OnModal("TIfThenElse", [&](QWidget& d) {
+            Type(d, "Edit_Vergleich1", r.condition);
+            Click(d, "BT_OK");
+            open = d.isVisible();
+            if (open) static_cast<QDialog&>(d).reject();
+        });
+        EXPECT_EQ(window.EditCurrentLine(), r.accepted) << r.line << " " << r.condition;
+        EXPECT_EQ(open, !r.accepted) << r.line << " " << r.condition;
+        if (r.accepted) {
+            EXPECT_EQ(window.Editor().LineText(r.line).trimmed(), QString("if %1 then").arg(r.condition));
+        }
+    }
+    // A block inserted inside the procedure knows its names as well.
+    SetScript(script);
+    window.Editor().GoToLine(3);
+    InsertFromPalette(window, "(if-then-else)", "TIfThenElse", [](QWidget& d) { ConfirmCondition(d, "Wert > Kanal"); });
+    EXPECT_EQ(window.Editor().LineText(4), "  if Wert > Kanal then");
+}
+
 TEST_F(WorkbenchTest, CallLineShowsTheCommandsDescriptionAndOtherLinesNone)
 {
     const QString description = DescribeLine("ArrayToStr(Str := S, Arr := A);", window.Commands());
