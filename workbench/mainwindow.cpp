@@ -9,6 +9,7 @@
 #include "workbench/palette.h"
 #include "workbench/scriptcheck.h"
 #include "workbench/scripteditor.h"
+#include "workbench/scriptfile.h"
 
 #include <QCloseEvent>
 #include <QCoreApplication>
@@ -22,6 +23,8 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QMenuBar>
+#include <QMessageBox>
+#include <QPushButton>
 #include <QSaveFile>
 #include <QStatusBar>
 #include <QTextBlock>
@@ -112,27 +115,25 @@ TMainWindow::~TMainWindow()
 void TMainWindow::BuildActions()
 {
     QMenu* file = menuBar()->addMenu(QStringLiteral("&Datei"));
-    file->addAction(QStringLiteral("&Neu"), QKeySequence::New, this, [this] {
+    QAction* newScript = file->addAction(QStringLiteral("&Neu"), QKeySequence::New, this, [this] {
+        if (!MayDiscardChanges()) return;
         editor_->clear();
+        editor_->document()->setModified(false);
         fileName_.clear();
+        format_ = {};
         UpdateTitle();
     });
-    file->addAction(QStringLiteral("Ö&ffnen..."), QKeySequence::Open, this, [this] {
+    newScript->setObjectName(QStringLiteral("ActionNew"));
+    QAction* open = file->addAction(QStringLiteral("Ö&ffnen..."), QKeySequence::Open, this, [this] {
+        if (!MayDiscardChanges()) return;
         const QString path = QFileDialog::getOpenFileName(this, QStringLiteral("Skript öffnen"), ProjectFolder(),
                                                           QStringLiteral("Skripte (*.dvs);;Alle Dateien (*)"));
         if (!path.isEmpty()) OpenFile(path);
     });
-    auto saveAs = [this] {
-        const QString path = QFileDialog::getSaveFileName(this, QStringLiteral("Skript speichern"), ProjectFolder(),
-                                                          QStringLiteral("Skripte (*.dvs)"));
-        if (!path.isEmpty()) SaveFile(path);
-    };
+    open->setObjectName(QStringLiteral("ActionOpen"));
     recentMenu_ = file->addMenu(QStringLiteral("&Zuletzt geöffnet"));
-    file->addAction(QStringLiteral("&Speichern"), QKeySequence::Save, this, [this, saveAs] {
-        if (fileName_.isEmpty()) saveAs();
-        else SaveFile(fileName_);
-    });
-    file->addAction(QStringLiteral("Speichern &unter..."), QKeySequence::SaveAs, this, saveAs);
+    file->addAction(QStringLiteral("&Speichern"), QKeySequence::Save, this, &TMainWindow::Save);
+    file->addAction(QStringLiteral("Speichern &unter..."), QKeySequence::SaveAs, this, &TMainWindow::SaveAs);
     file->addSeparator();
     file->addAction(QStringLiteral("&Projektordner..."), this, [this] {
         const QString folder = QFileDialog::getExistingDirectory(this, QStringLiteral("Projektordner (PROJEKTPFAD)"), ProjectFolder());
@@ -184,7 +185,9 @@ bool TMainWindow::OpenFile(const QString& path)
         Report(QStringLiteral("Die Datei %1 kann nicht gelesen werden").arg(path));
         return false;
     }
-    editor_->setPlainText(QString::fromUtf8(file.readAll()));
+    const TScriptFileText read = DecodeScriptFile(file.readAll());
+    editor_->setPlainText(read.text);
+    format_ = read.format;
     fileName_ = QFileInfo(path).absoluteFilePath();
     editor_->document()->setModified(false);
     editor_->CheckNow();
@@ -201,7 +204,9 @@ void TMainWindow::SetRecentFiles(const QStringList& files)
     recent_ = files.mid(0, kMaxRecentFiles);
     recentMenu_->clear();
     for (const QString& path : recent_) {
-        recentMenu_->addAction(QFileInfo(path).fileName(), this, [this, path] { OpenFile(path); })->setToolTip(path);
+        recentMenu_->addAction(QFileInfo(path).fileName(), this, [this, path] {
+            if (MayDiscardChanges()) OpenFile(path);
+        })->setToolTip(path);
     }
     recentMenu_->setEnabled(!recent_.isEmpty());
 }
@@ -221,16 +226,54 @@ bool TMainWindow::ConvertOlderLines()
 
 bool TMainWindow::SaveFile(const QString& path)
 {
+    // The file goes back in the encoding and line ending it came in. Characters Windows-1252 lacks
+    // make it UTF-8, which dvrun reads as well, rather than be lost.
+    TScriptFormat format = format_;
+    std::optional<QByteArray> bytes = EncodeScriptFile(editor_->toPlainText(), format);
+    QString note;
+    if (!bytes) {
+        format.encoding = TTextEncoding::Utf8;
+        bytes = EncodeScriptFile(editor_->toPlainText(), format);
+        note = QStringLiteral("Das Skript enthält Zeichen, die Windows-1252 nicht kennt: gespeichert als UTF-8");
+    }
     // Written whole or not at all: a failed save leaves the file as it was.
     QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(editor_->toPlainText().toUtf8()) < 0 || !file.commit()) {
+    if (!file.open(QIODevice::WriteOnly) || file.write(*bytes) < 0 || !file.commit()) {
         Report(QStringLiteral("Die Datei %1 kann nicht geschrieben werden").arg(path));
         return false;
     }
+    format_ = format;
     fileName_ = QFileInfo(path).absoluteFilePath();
     editor_->document()->setModified(false);
     UpdateTitle();
+    if (!note.isEmpty()) Report(note);
     return true;
+}
+
+bool TMainWindow::Save() { return fileName_.isEmpty() ? SaveAs() : SaveFile(fileName_); }
+
+bool TMainWindow::SaveAs()
+{
+    const QString path = QFileDialog::getSaveFileName(this, QStringLiteral("Skript speichern"), ProjectFolder(),
+                                                      QStringLiteral("Skripte (*.dvs)"));
+    return !path.isEmpty() && SaveFile(path);
+}
+
+bool TMainWindow::MayDiscardChanges()
+{
+    if (!editor_->document()->isModified()) return true;
+    QMessageBox ask(QMessageBox::Question, windowTitle(), QStringLiteral("Änderungen speichern?"),
+                    QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel, this);
+    ask.setObjectName(QStringLiteral("SaveChanges"));
+    ask.button(QMessageBox::Yes)->setText(QStringLiteral("Ja"));
+    ask.button(QMessageBox::No)->setText(QStringLiteral("Nein"));
+    ask.button(QMessageBox::Cancel)->setText(QStringLiteral("Abbrechen"));
+    ask.setDefaultButton(QMessageBox::Yes);
+    switch (ask.exec()) {
+    case QMessageBox::Yes: return Save();
+    case QMessageBox::No: return true;
+    default: return false;
+    }
 }
 
 void TMainWindow::SetProjectFolder(const QString& folder)
@@ -448,6 +491,10 @@ bool TMainWindow::eventFilter(QObject* watched, QEvent* event)
 
 void TMainWindow::closeEvent(QCloseEvent* event)
 {
+    if (!MayDiscardChanges()) {
+        event->ignore();
+        return;
+    }
     if (session_) {
         session_->Stop();
         QEventLoop wait;

@@ -5,6 +5,7 @@
 #include "host/runner.h"
 #include "workbench/guiservices.h"
 #include "workbench/runsession.h"
+#include "workbench/scriptfile.h"
 
 #include <QMainWindow>
 #include <QStringListModel>
@@ -39,8 +40,16 @@ public:
     QLabel& Verdict() { return *verdict_; }
     host::TCommandPool& Commands() { return editHost_.Commands(); }
 
+    // Reads the file in its encoding (see scriptfile.h); asks nothing.
     bool OpenFile(const QString& path);
+    // Writes the script in the encoding and line ending it was read in.
     bool SaveFile(const QString& path);
+    bool Save();    // to the current file, or as a new one when there is none
+    bool SaveAs();  // asks for the file
+    // When the script has unsaved changes, asks "Änderungen speichern?": true when they were
+    // saved or may be dropped, false when the user cancelled (or saving failed).
+    bool MayDiscardChanges();
+    const TScriptFormat& FileFormat() const { return format_; }
     const QString& FileName() const { return fileName_; }
     // The folder PROJEKTPFAD names; empty: the script's folder.
     void SetProjectFolder(const QString& folder);
@@ -100,6 +109,7 @@ private:
     QAction* runAction_ = nullptr;
     QAction* stopAction_ = nullptr;
     QString fileName_;
+    TScriptFormat format_;
     QString projectFolder_;
     std::unique_ptr<TRunSession> session_;
     std::optional<host::TRunReport> lastReport_;
