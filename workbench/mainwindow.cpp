@@ -26,9 +26,11 @@
 #include <QMessageBox>
 #include <QPushButton>
 #include <QSaveFile>
+#include <QScrollBar>
 #include <QStatusBar>
 #include <QTextBlock>
 #include <QToolBar>
+#include <QTreeView>
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
@@ -36,8 +38,7 @@ namespace dv::workbench {
 
 namespace {
 
-constexpr int kPollMs = 100;  // running line and variables: at most ten times a second
-constexpr int kLineRole = Qt::UserRole;
+constexpr int kPollMs = 100;  // running line, variables and what the run wrote: at most ten times a second
 
 QTreeWidget* MakeTable(const char* objectName, const QStringList& headers, QWidget* parent)
 {
@@ -65,7 +66,8 @@ TMainWindow::TMainWindow(QWidget* parent)
       editor_(new TScriptEditor),
       palette_(new TCommandPalette),
       labor_(new TLaborWindow(this)),
-      log_(MakeTable("RunLog", {QStringLiteral("Zeit"), QStringLiteral("Zeile"), QStringLiteral("Meldung"), QStringLiteral("Stufe")}, this)),
+      logModel_(new TLogModel(this)),
+      log_(new QTreeView(this)),
       variables_(MakeTable("Variables", {QStringLiteral("Name"), QStringLiteral("Typ"), QStringLiteral("Wert")}, this)),
       verdict_(new QLabel),
       findBar_(new TFindReplaceBar(*editor_))
@@ -172,9 +174,14 @@ void TMainWindow::BuildDocks()
     addDockWidget(Qt::LeftDockWidgetArea, Dock(QStringLiteral("Befehle"), "PaletteDock", palette_, this));
     addDockWidget(Qt::BottomDockWidgetArea, Dock(QStringLiteral("Protokoll"), "LogDock", log_, this));
     addDockWidget(Qt::RightDockWidgetArea, Dock(QStringLiteral("Variablen"), "VariablesDock", variables_, this));
-    log_->header()->setSectionResizeMode(2, QHeaderView::Stretch);
-    connect(log_, &QTreeWidget::itemClicked, this, [this](QTreeWidgetItem* item) {
-        if (const int line = item->data(1, kLineRole).toInt(); line > 0) editor_->GoToLine(line);
+    log_->setObjectName(QStringLiteral("RunLog"));
+    log_->setRootIsDecorated(false);
+    log_->setUniformRowHeights(true);  // rows are laid out without measuring each
+    log_->setModel(logModel_);
+    log_->header()->setStretchLastSection(false);
+    log_->header()->setSectionResizeMode(TLogModel::Message, QHeaderView::Stretch);
+    connect(log_, &QTreeView::clicked, this, [this](const QModelIndex& index) {
+        if (const int line = index.data(TLogModel::kLineRole).toInt(); line > 0) editor_->GoToLine(line);
     });
 }
 
@@ -302,20 +309,15 @@ void TMainWindow::Report(const QString& message) { statusBar()->showMessage(mess
 void TMainWindow::Run()
 {
     if (session_) return;
-    log_->clear();
+    logModel_->Clear();
     variables_->clear();
     labor_->Clear();
     lastReport_.reset();
     verdict_->hide();
     const QString name = fileName_.isEmpty() ? QStringLiteral("unbenannt.dvs") : QFileInfo(fileName_).fileName();
     session_ = std::make_unique<TRunSession>(name, ProjectFolder(), &variableNames_);
-    TGuiServices& services = session_->Services();
-    connect(session_.get(), &TRunSession::Logged, this, &TMainWindow::AddLogEntry);
-    connect(session_.get(), &TRunSession::VariablesChanged, this, &TMainWindow::ShowVariables);
     connect(session_.get(), &TRunSession::Finished, this, &TMainWindow::OnRunFinished, Qt::QueuedConnection);
-    connect(&services, &TGuiServices::StatusTextChanged, this, [this](const QString& t) { statusBar()->showMessage(t); });
-    connect(&services, &TGuiServices::OutputWritten, labor_, &TLaborWindow::Write);
-    connect(&services, &TGuiServices::LaborVisibilityChanged, labor_, &QWidget::setVisible);
+    connect(&session_->Services(), &TGuiServices::LaborVisibilityChanged, labor_, &QWidget::setVisible);
     if (!session_->Load(editor_->toPlainText())) {
         OnRunFinished();
         return;
@@ -334,20 +336,38 @@ void TMainWindow::PollRun()
 {
     if (!session_) return;
     editor_->SetRunningLine(session_->RunningLine());
+    ShowBatch(session_->TakeBatch());
     session_->RequestVariables();
+}
+
+void TMainWindow::ShowBatch(TRunSession::TBatch batch)
+{
+    if (!batch.log.empty() || batch.droppedLog > 0) {
+        // The view follows new rows unless the user has scrolled up to read.
+        const QScrollBar* bar = log_->verticalScrollBar();
+        const bool follow = bar->value() == bar->maximum();
+        logModel_->Append(std::move(batch.log), batch.droppedLog);
+        if (follow) log_->scrollToBottom();
+    }
+    if (batch.status) statusBar()->showMessage(*batch.status);
+    for (const TOutputLine& o : batch.output) labor_->Write(o.text, o.fontName, o.size, o.style, o.color);
+    if (batch.variables) ShowVariables(FormatVariables(*batch.variables));
 }
 
 void TMainWindow::OnRunFinished()
 {
     pollTimer_.stop();
     session_->Wait();
+    ShowBatch(session_->TakeBatch());
     lastReport_ = session_->Report();
-    const QList<TVariableRow> rows = session_->FinalVariables();
+    const QList<TVariableRow> rows = FormatVariables(session_->FinalVariables());
     const bool parsed = lastReport_->exitCode != 2;
     session_.reset();
     editServices_.Install();  // the run's host took the services with it
     if (!parsed) {
-        for (const QString& e : lastReport_->errors) AddLogEntry(MakeLogEntry(QStringLiteral("FEHLER ") + e, 0));
+        std::deque<TLogLine> errors;
+        for (const QString& e : lastReport_->errors) errors.push_back({QTime::currentTime(), 0, QStringLiteral("FEHLER ") + e});
+        logModel_->Append(std::move(errors));
     }
     ShowVariables(rows);
     ShowVerdict(*lastReport_);
@@ -374,18 +394,6 @@ void TMainWindow::ShowVerdict(const host::TRunReport& report)
     verdict_->setStyleSheet(passed ? QStringLiteral("background:#c8f0c8;color:#0a400a;font-weight:bold")
                                    : QStringLiteral("background:#f8c8c8;color:#600000;font-weight:bold"));
     verdict_->show();
-}
-
-void TMainWindow::AddLogEntry(const TLogEntry& entry)
-{
-    auto* item = new QTreeWidgetItem(log_, {entry.time.toString(QStringLiteral("HH:mm:ss.zzz")),
-                                            entry.line > 0 ? QString::number(entry.line) : QString(), entry.message,
-                                            LevelName(entry.level)});
-    item->setData(1, kLineRole, entry.line);
-    if (entry.level == TLogLevel::Error) {
-        for (int c = 0; c < 4; ++c) item->setForeground(c, Qt::darkRed);
-    }
-    log_->scrollToItem(item);
 }
 
 void TMainWindow::ShowVariables(const QList<TVariableRow>& rows)

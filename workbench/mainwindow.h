@@ -15,6 +15,7 @@
 #include <optional>
 
 class QLabel;
+class QTreeView;
 class QTreeWidget;
 class QAction;
 class QMenu;
@@ -35,7 +36,8 @@ public:
     TScriptEditor& Editor() { return *editor_; }
     TCommandPalette& Palette() { return *palette_; }
     TLaborWindow& Labor() { return *labor_; }
-    QTreeWidget& Log() { return *log_; }
+    QTreeView& Log() { return *log_; }
+    TLogModel& LogModel() { return *logModel_; }
     QTreeWidget& Variables() { return *variables_; }
     QLabel& Verdict() { return *verdict_; }
     host::TCommandPool& Commands() { return editHost_.Commands(); }
@@ -85,7 +87,7 @@ private:
     void BuildDocks();
     void OnRunFinished();
     void ShowVerdict(const host::TRunReport& report);
-    void AddLogEntry(const TLogEntry& entry);
+    void ShowBatch(TRunSession::TBatch batch);
     void ShowVariables(const QList<TVariableRow>& rows);
     void SetRunning(bool running);
     void PollRun();
@@ -100,7 +102,8 @@ private:
     TScriptEditor* editor_;
     TCommandPalette* palette_;
     TLaborWindow* labor_;
-    QTreeWidget* log_;
+    TLogModel* logModel_;
+    QTreeView* log_;
     QTreeWidget* variables_;
     QLabel* verdict_;
     TFindReplaceBar* findBar_;

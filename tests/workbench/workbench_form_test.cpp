@@ -7,6 +7,7 @@
 #include "workbench/calledit.h"
 #include "workbench/findreplace.h"
 #include "workbench/highlighter.h"
+#include "workbench/logmodel.h"
 #include "workbench/laborwindow.h"
 #include "workbench/mainwindow.h"
 #include "workbench/palette.h"
@@ -76,9 +77,10 @@ protected:
     QStringList LogRows()
     {
         QStringList rows;
-        for (int i = 0; i < window.Log().topLevelItemCount(); ++i) {
-            const QTreeWidgetItem* item = window.Log().topLevelItem(i);
-            rows << item->text(1) + '|' + item->text(2) + '|' + item->text(3);
+        const QAbstractItemModel& log = *window.Log().model();
+        for (int i = 0; i < log.rowCount(); ++i) {
+            rows << log.index(i, 1).data().toString() + '|' + log.index(i, 2).data().toString() + '|' +
+                        log.index(i, 3).data().toString();
         }
         return rows;
     }
@@ -437,14 +439,16 @@ TEST_F(WorkbenchTest, FailingRunNamesTheFailedCheckAndTheLogJumpsToItsLine)
         << window.Verdict().text().toStdString();
     // A failed check does not end the run.
     EXPECT_TRUE(LogRows().contains("4|weiter|Info"));
-    QTreeWidgetItem* failure = nullptr;
-    for (int i = 0; i < window.Log().topLevelItemCount() && !failure; ++i) {
-        if (window.Log().topLevelItem(i)->text(3) == "Fehler") failure = window.Log().topLevelItem(i);
+    const QAbstractItemModel& log = *window.Log().model();
+    QModelIndex failure;
+    for (int i = 0; i < log.rowCount() && !failure.isValid(); ++i) {
+        if (log.index(i, 3).data().toString() == "Fehler") failure = log.index(i, 2);
     }
-    ASSERT_NE(failure, nullptr) << LogRows().join('\n').toStdString();
-    EXPECT_EQ(failure->text(1), "3");
+    ASSERT_TRUE(failure.isValid()) << LogRows().join('\n').toStdString();
+    EXPECT_EQ(failure.siblingAtColumn(1).data().toString(), "3");
+    EXPECT_EQ(failure.data(Qt::ForegroundRole).value<QBrush>().color(), QColor(Qt::darkRed));
     window.Editor().GoToLine(1);
-    const QRect row = window.Log().visualItemRect(failure);
+    const QRect row = window.Log().visualRect(failure);
     QTest::mouseClick(window.Log().viewport(), Qt::LeftButton, {}, row.center());
     EXPECT_EQ(window.Editor().CurrentLine(), 3);
 
@@ -480,21 +484,107 @@ TEST_F(WorkbenchTest, StopEndsAScriptBlockedInALongExecAndMarksItsLineMeanwhile)
     EXPECT_FALSE(window.Editor().isReadOnly());
 }
 
-TEST_F(WorkbenchTest, VariablesViewFollowsARunningLoop)
+// Whether the editor marks the line (whole width) other than as the cursor's line.
+bool MarkedAsRunning(TScriptEditor& editor, int line)
 {
-    SetScript("var I : Number\nwhile True do\n  I := I + 1\nend while");
+    if (editor.CurrentLine() == line) return false;
+    for (const QTextEdit::ExtraSelection& mark : editor.extraSelections()) {
+        if (mark.format.boolProperty(QTextFormat::FullWidthSelection) && mark.cursor.blockNumber() == line - 1) return true;
+    }
+    return false;
+}
+
+TEST_F(WorkbenchTest, VariablesViewFollowsARunningLoopAtMostTenTimesASecond)
+{
+    SetScript("var I : Number\nvar A : Array of Number\nA[200000] := 1\nwhile True do\n  I := I + 1\nend while");
+    window.Editor().GoToLine(1);
     QSignalSpy finished(&window, &TMainWindow::RunFinished);
     window.Run();
-    auto counted = [&] {
-        const auto found = window.Variables().findItems("I", Qt::MatchExactly, 0);
-        return !found.isEmpty() && found.first()->text(2).toDouble() > 0;
+    auto shown = [&](const char* name) {
+        const auto found = window.Variables().findItems(name, Qt::MatchExactly, 0);
+        return found.isEmpty() ? QString() : found.first()->text(2);
     };
-    EXPECT_TRUE(WaitFor(counted, 5000)) << "no live value while the loop runs";
+    EXPECT_TRUE(WaitFor([&] { return shown("I").toDouble() > 0; }, 5000)) << "no live value while the loop runs";
     EXPECT_TRUE(window.IsRunning());
-    EXPECT_EQ(window.Editor().RunningLine(), 3);
+    EXPECT_EQ(window.Editor().RunningLine(), 5);
+    EXPECT_TRUE(MarkedAsRunning(window.Editor(), 5));
+    // A big array shows its size and its first elements only.
+    EXPECT_EQ(shown("A"), QString("{0}").repeated(20) + "… (200000 Elemente)");
+
+    // Every value the view shows stands for one refresh: sampled far more often than it may
+    // change, a second shows at most eleven of them.
+    QStringList seen{shown("I")};
+    QElapsedTimer second;
+    second.start();
+    while (second.elapsed() < 1000) {
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 2);
+        if (shown("I") != seen.last()) seen << shown("I");
+    }
+    EXPECT_LE(seen.size(), 12) << seen.join(' ').toStdString();
+    EXPECT_GE(seen.size(), 3) << "the view stood still";
     window.Stop();
     ASSERT_TRUE(WaitFor([&] { return !finished.isEmpty(); }, 10000));
     EXPECT_TRUE(window.Verdict().text().contains("Test abgebrochen"));
+    EXPECT_FALSE(MarkedAsRunning(window.Editor(), 5));
+}
+
+TEST_F(WorkbenchTest, ALongLogIsShownInFullSoonAfterTheRunEnds)
+{
+    SetScript("var I : Number\nfor I := 1 to 20000 do\n  Log(\"Zeile \" + I)\nend for");
+    QElapsedTimer run;
+    run.start();
+    RunToEnd();
+    RecordProperty("run_with_log_ms", static_cast<int>(run.elapsed()));
+    EXPECT_LT(run.elapsed(), 3000) << "a log of 20000 lines took " << run.elapsed() << " ms to show";
+    const QStringList rows = LogRows();
+    ASSERT_EQ(rows.size(), 20001) << rows.mid(rows.size() - 3).join('\n').toStdString();
+    EXPECT_EQ(rows.first(), "3|Zeile 1|Info");
+    EXPECT_EQ(rows[19999], "3|Zeile 20000|Info");
+    EXPECT_TRUE(rows.last().contains("ERGEBNIS bestanden")) << rows.last().toStdString();
+    EXPECT_EQ(window.LogModel().Dropped(), 0);
+}
+
+TEST_F(WorkbenchTest, AnEndlessLoggingLoopLeavesTheWindowResponsiveAndStopsAtOnce)
+{
+    window.LogModel().SetCapacity(1000);
+    SetScript("var I : Number\nwhile True do\n  I := I + 1\n  Log(I)\nend while");
+    QSignalSpy finished(&window, &TMainWindow::RunFinished);
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    QTest::keyClick(&window.Editor(), Qt::Key_F5);
+    ASSERT_TRUE(window.IsRunning());
+    // A timer of the window's event loop keeps ticking while the run floods the log.
+    int ticks = 0;
+    QTimer tick;
+    QObject::connect(&tick, &QTimer::timeout, [&ticks] { ++ticks; });
+    tick.start(20);
+    WaitFor([] { return false; }, 1000);
+    tick.stop();
+    EXPECT_GE(ticks, 10) << "the window did not react for a second";
+    EXPECT_GT(window.LogModel().rowCount(), 0) << "nothing logged yet";
+
+    QElapsedTimer stopping;
+    stopping.start();
+    qint64 verdictMs = -1;
+    QObject::connect(&window, &TMainWindow::RunFinished, [&] { verdictMs = stopping.elapsed(); });
+    QTest::keyClick(&window.Editor(), Qt::Key_F5, Qt::ShiftModifier);
+    ASSERT_TRUE(WaitFor([&] { return !finished.isEmpty(); }, 10000)) << "no verdict after Stop";
+    RecordProperty("verdict_after_stop_ms", static_cast<int>(verdictMs));
+    EXPECT_LT(verdictMs, 1000);
+    EXPECT_TRUE(window.Verdict().text().contains("Test abgebrochen")) << window.Verdict().text().toStdString();
+    // The newest lines are kept, under a note saying how many went.
+    const TLogModel& log = window.LogModel();
+    ASSERT_EQ(log.rowCount(), 1001);
+    EXPECT_GT(log.Dropped(), 0);
+    EXPECT_EQ(log.Entry(0).level, TLogLevel::Warning);
+    EXPECT_EQ(log.Entry(0).message,
+              QString("%1 ältere Einträge nicht mehr angezeigt (es bleiben die letzten 1000)").arg(log.Dropped()));
+    // The run's own last lines say that it was stopped and failed.
+    EXPECT_TRUE(log.Entry(999).message.endsWith("Test abgebrochen")) << log.Entry(999).message.toStdString();
+    EXPECT_TRUE(log.Entry(1000).message.contains("fehlgeschlagen")) << log.Entry(1000).message.toStdString();
+    const long long first = log.Entry(1).message.toLongLong();
+    EXPECT_EQ(log.Entry(998).message.toLongLong(), first + 997) << "the kept lines follow one another";
+    EXPECT_EQ(first, log.Dropped() + 1) << "every line before them is counted";
 }
 
 TEST_F(WorkbenchTest, SyntaxErrorIsUnderlinedAtItsLineAfterTypingPauses)
