@@ -32,6 +32,8 @@
 #include <QTemporaryDir>
 #include <QTextBlock>
 #include <QTextEdit>
+#include <QToolTip>
+#include <QHelpEvent>
 #include <QTreeWidget>
 
 #include <gtest/gtest.h>
@@ -268,9 +270,7 @@ TEST_F(WorkbenchTest, CaseAndCommentRowsWriteTheirLinesBelowTheCurrentOne)
         Type(d, "Edit_Selektor", "N");
         Click(d, "BT_OK");
     });
-    EXPECT_EQ(window.Editor().toPlainText().count('\n'), 4) << window.Editor().toPlainText().toStdString();
-    EXPECT_TRUE(window.Editor().LineText(4).startsWith("case")) << window.Editor().LineText(4).toStdString();
-    EXPECT_EQ(window.Editor().LineText(5), "631:end case");
+    EXPECT_EQ(window.Editor().toPlainText(), "var N : Number = 2\nLog(N)\n// Auswahl nach N\ncase N of\n631:end case");
 }
 
 // F2 on a line, act works the dialog named form; the line as it reads afterwards.
@@ -421,11 +421,27 @@ TEST_F(WorkbenchTest, IfConditionsMayNameWhatIsDeclaredAtTheEditedLine)
     EXPECT_EQ(window.Editor().LineText(4), "  if Wert > Kanal then");
 }
 
+// The tooltip the editor shows when the mouse rests on the line; empty when it shows none.
+QString TooltipAt(TScriptEditor& editor, int line)
+{
+    QToolTip::hideText();  // hides after a moment
+    WaitFor([] { return !QToolTip::isVisible(); }, 2000);
+    const QRect rect = editor.cursorRect(QTextCursor(editor.document()->findBlockByNumber(line - 1)));
+    const QPoint at = rect.center() + QPoint(20, 0);
+    QHelpEvent event(QEvent::ToolTip, at, editor.viewport()->mapToGlobal(at));
+    QCoreApplication::sendEvent(&editor, &event);
+    return QToolTip::isVisible() ? QToolTip::text() : QString();
+}
+
 TEST_F(WorkbenchTest, CallLineShowsTheCommandsDescriptionAndOtherLinesNone)
 {
-    const QString description = DescribeLine("ArrayToStr(Str := S, Arr := A);", window.Commands());
+    SetScript("var S : String\nvar A : Array of Number\n  ArrayToStr(Str := S, Arr := A); // Text\nLog(1)\nA := * 3");
+    const QString description = TooltipAt(window.Editor(), 3);
     EXPECT_TRUE(description.contains(">>A<<")) << description.toStdString();
-    EXPECT_TRUE(DescribeLine("Log(1)", window.Commands()).isEmpty());
+    EXPECT_EQ(description, DescribeLine("ArrayToStr(Str := S, Arr := A);", window.Commands()));
+    EXPECT_EQ(TooltipAt(window.Editor(), 4), "");
+    ASSERT_EQ(window.Editor().LastCheck().errors.size(), 1u);
+    EXPECT_EQ(TooltipAt(window.Editor(), 5), window.Editor().LastCheck().errors[0].message) << "an error line shows its error";
 }
 
 TEST_F(WorkbenchTest, PassingRunShowsItsVerdictAndLogLines)
@@ -675,12 +691,39 @@ TEST_F(WorkbenchTest, VariablesViewShowsTheValuesTheRunLeft)
     EXPECT_EQ(VariableValue("PROJEKTPFAD"), "String " + QDir::cleanPath(folder.path()));
 }
 
+// The format of the labor document at the first character of text.
+QTextCharFormat FormatOf(QTextEdit& document, const QString& text)
+{
+    QTextCursor at = document.document()->find(text);
+    if (at.isNull()) return {};
+    at.setPosition(at.selectionStart() + 1);
+    return at.charFormat();
+}
+
 TEST_F(WorkbenchTest, TextOutputAndTheLaborCommandsReachTheLaborWindow)
 {
-    SetScript("ShowLabor\nTextOut(Text := \"Hallo Labor\")");
+    // Colours are 0x00BBGGRR numbers: 255 is red, 16711680 blue.
+    SetScript("ShowLabor\nTextOut(Text := \"Hallo Labor\")\n"
+              "TextOut(Text := \"Rot fett\", Font := \"Courier\", FontSize := 14, FontColor := 255, FontStyle := \"BOLD UNDERLINE\")\n"
+              "TextOut(Text := \"Blau schraeg\", FontSize := 8, FontColor := 16711680, FontStyle := \"ITALIC STRIKEOUT\")");
     RunToEnd();
     EXPECT_TRUE(window.Labor().isVisible());
-    EXPECT_TRUE(window.Labor().Document().toPlainText().contains("Hallo Labor"));
+    EXPECT_EQ(window.Labor().Document().toPlainText(), "Hallo Labor\nRot fett\nBlau schraeg");
+    const QTextCharFormat red = FormatOf(window.Labor().Document(), "Rot fett");
+    EXPECT_TRUE(red.fontFamilies().toStringList().contains("Courier"));
+    EXPECT_EQ(red.fontPointSize(), 14);
+    EXPECT_EQ(red.foreground().color(), QColor(255, 0, 0));
+    EXPECT_EQ(red.fontWeight(), QFont::Bold);
+    EXPECT_TRUE(red.fontUnderline());
+    EXPECT_FALSE(red.fontItalic());
+    EXPECT_FALSE(red.fontStrikeOut());
+    const QTextCharFormat blue = FormatOf(window.Labor().Document(), "Blau schraeg");
+    EXPECT_EQ(blue.fontPointSize(), 8);
+    EXPECT_EQ(blue.foreground().color(), QColor(0, 0, 255));
+    EXPECT_NE(blue.fontWeight(), QFont::Bold);
+    EXPECT_TRUE(blue.fontItalic());
+    EXPECT_TRUE(blue.fontStrikeOut());
+    EXPECT_FALSE(blue.fontUnderline());
     const QString pdf = folder.filePath("labor.pdf");
     ASSERT_TRUE(window.Labor().ExportPdf(pdf));
     EXPECT_TRUE(ReadText(pdf).startsWith("%PDF"));
