@@ -53,8 +53,8 @@ void TLogModel::SetCapacity(qsizetype rows)
 TLogEntry TLogModel::Entry(int row) const
 {
     if (row < NoteRows()) {
-        return {QTime(), 0, QStringLiteral("%1 ältere Einträge nicht mehr angezeigt (es bleiben die letzten %2)").arg(dropped_).arg(capacity_),
-                TLogLevel::Warning};
+        const QString note = QStringLiteral("%1 ältere Einträge nicht mehr angezeigt (es bleiben die letzten %2)");
+        return {QTime(), 0, note.arg(dropped_).arg(capacity_), TLogLevel::Warning};
     }
     const TLogLine& line = lines_[static_cast<std::size_t>(row - NoteRows())];
     TLogEntry entry = MakeLogEntry(line.text, line.runningLine);

@@ -43,14 +43,16 @@ TRunSession::TRunSession(const QString& fileName, const QString& projectFolder, 
         }
     });
     // Emitted on the run's threads; taken here directly and handed on with the next batch.
-    connect(&services_, &TGuiServices::StatusTextChanged, this, [this](const QString& text) {
+    const auto status = [this](const QString& text) {
         const std::lock_guard lock(batchMutex_);
         batch_.status = text;
-    }, Qt::DirectConnection);
-    connect(&services_, &TGuiServices::OutputWritten, this, [this](const QString& text, const QString& font, int size, int style, int color) {
+    };
+    const auto output = [this](const QString& text, const QString& font, int size, int style, int color) {
         const std::lock_guard lock(batchMutex_);
         batch_.output.push_back({text, font, size, style, color});
-    }, Qt::DirectConnection);
+    };
+    connect(&services_, &TGuiServices::StatusTextChanged, this, status, Qt::DirectConnection);
+    connect(&services_, &TGuiServices::OutputWritten, this, output, Qt::DirectConnection);
 }
 
 TRunSession::~TRunSession()
