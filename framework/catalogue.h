@@ -15,6 +15,17 @@ enum class TBaseKind {
     Edit,    // TDVRunEdit: editor-only structure command
 };
 
+// The part of the library a command belongs to; the workbench's palette groups by it.
+enum class TSubsystem {
+    Text,       // string, number and array conversion
+    Structure,  // editor-only commands writing loops, case, if-then-else and comments
+    System,     // programs, files, INI files, named pipes, TCP
+    Dialogs,    // message boxes, text and status output, file dialogs, HTML forms
+    Scope,      // the oscilloscope window
+    Image,      // the current image: capture, change, evaluation, load and save
+    Host,       // the host's own windows (the laboratory view)
+};
+
 struct TCatalogueRow {
     const char* procedure;   // script procedure; "(loop)" and the like for structure commands
     const char* signature;   // the literal exactly as editor and parser see it; "" when none
@@ -22,7 +33,7 @@ struct TCatalogueRow {
     TBaseKind base;
     const char* dialogClass;  // "" when the command has no dialog
     int helpContext;          // 0 when the host chooses
-    const char* section;      // chapter of the command reference; "" for commands without one
+    TSubsystem group;
 };
 
 std::span<const TCatalogueRow> Catalogue();

@@ -1,6 +1,7 @@
 // Renders the pictures of docs/workbench.md offscreen from the real windows, so they stay current:
 //   dvworkbench-shots FOLDER
-// writes workbench-main.png, workbench-dialog.png and workbench-run.png into FOLDER.
+// writes workbench-main.png, workbench-dialog.png and workbench-run.png into FOLDER (made when
+// missing). docs/images holds what it wrote; a test runs it on every build.
 #include "framework/forms/guiforms.h"
 #include "workbench/mainwindow.h"
 #include "workbench/scripteditor.h"
@@ -45,6 +46,10 @@ int main(int argc, char** argv)
         return 2;
     }
     const QDir out(QString::fromLocal8Bit(argv[1]));
+    if (!out.mkpath(QStringLiteral("."))) {
+        std::fprintf(stderr, "Der Ordner %s kann nicht angelegt werden\n", argv[1]);
+        return 1;
+    }
     dv::RegisterForms();
     dv::workbench::TMainWindow window;
     window.resize(1100, 700);

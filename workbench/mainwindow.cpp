@@ -9,6 +9,7 @@
 #include "workbench/palette.h"
 #include "workbench/scriptcheck.h"
 #include "workbench/scripteditor.h"
+#include "workbench/scriptfile.h"
 
 #include <QCloseEvent>
 #include <QCoreApplication>
@@ -22,10 +23,14 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QMenuBar>
+#include <QMessageBox>
+#include <QPushButton>
 #include <QSaveFile>
+#include <QScrollBar>
 #include <QStatusBar>
 #include <QTextBlock>
 #include <QToolBar>
+#include <QTreeView>
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
@@ -33,8 +38,7 @@ namespace dv::workbench {
 
 namespace {
 
-constexpr int kPollMs = 100;  // running line and variables: at most ten times a second
-constexpr int kLineRole = Qt::UserRole;
+constexpr int kPollMs = 100;  // running line, variables and what the run wrote: at most ten times a second
 
 QTreeWidget* MakeTable(const char* objectName, const QStringList& headers, QWidget* parent)
 {
@@ -62,7 +66,8 @@ TMainWindow::TMainWindow(QWidget* parent)
       editor_(new TScriptEditor),
       palette_(new TCommandPalette),
       labor_(new TLaborWindow(this)),
-      log_(MakeTable("RunLog", {QStringLiteral("Zeit"), QStringLiteral("Zeile"), QStringLiteral("Meldung"), QStringLiteral("Stufe")}, this)),
+      logModel_(new TLogModel(this)),
+      log_(new QTreeView(this)),
       variables_(MakeTable("Variables", {QStringLiteral("Name"), QStringLiteral("Typ"), QStringLiteral("Wert")}, this)),
       verdict_(new QLabel),
       findBar_(new TFindReplaceBar(*editor_))
@@ -72,7 +77,6 @@ TMainWindow::TMainWindow(QWidget* parent)
     editor_->SetChecker([this](const QString& text) {
         TScriptCheck check = CheckScript(text, editHost_.Commands());
         variableNames_.setStringList(check.globals);
-        editHost_.Program().globals = check.globalScope;  // an if condition may name the script's variables
         return check;
     });
     editor_->SetLineTip([this](const QString& line) { return DescribeLine(line, editHost_.Commands()); });
@@ -113,27 +117,25 @@ TMainWindow::~TMainWindow()
 void TMainWindow::BuildActions()
 {
     QMenu* file = menuBar()->addMenu(QStringLiteral("&Datei"));
-    file->addAction(QStringLiteral("&Neu"), QKeySequence::New, this, [this] {
+    QAction* newScript = file->addAction(QStringLiteral("&Neu"), QKeySequence::New, this, [this] {
+        if (!MayDiscardChanges()) return;
         editor_->clear();
+        editor_->document()->setModified(false);
         fileName_.clear();
+        format_ = {};
         UpdateTitle();
     });
-    file->addAction(QStringLiteral("Ö&ffnen..."), QKeySequence::Open, this, [this] {
+    newScript->setObjectName(QStringLiteral("ActionNew"));
+    QAction* open = file->addAction(QStringLiteral("Ö&ffnen..."), QKeySequence::Open, this, [this] {
+        if (!MayDiscardChanges()) return;
         const QString path = QFileDialog::getOpenFileName(this, QStringLiteral("Skript öffnen"), ProjectFolder(),
                                                           QStringLiteral("Skripte (*.dvs);;Alle Dateien (*)"));
         if (!path.isEmpty()) OpenFile(path);
     });
-    auto saveAs = [this] {
-        const QString path = QFileDialog::getSaveFileName(this, QStringLiteral("Skript speichern"), ProjectFolder(),
-                                                          QStringLiteral("Skripte (*.dvs)"));
-        if (!path.isEmpty()) SaveFile(path);
-    };
+    open->setObjectName(QStringLiteral("ActionOpen"));
     recentMenu_ = file->addMenu(QStringLiteral("&Zuletzt geöffnet"));
-    file->addAction(QStringLiteral("&Speichern"), QKeySequence::Save, this, [this, saveAs] {
-        if (fileName_.isEmpty()) saveAs();
-        else SaveFile(fileName_);
-    });
-    file->addAction(QStringLiteral("Speichern &unter..."), QKeySequence::SaveAs, this, saveAs);
+    file->addAction(QStringLiteral("&Speichern"), QKeySequence::Save, this, &TMainWindow::Save);
+    file->addAction(QStringLiteral("Speichern &unter..."), QKeySequence::SaveAs, this, &TMainWindow::SaveAs);
     file->addSeparator();
     file->addAction(QStringLiteral("&Projektordner..."), this, [this] {
         const QString folder = QFileDialog::getExistingDirectory(this, QStringLiteral("Projektordner (PROJEKTPFAD)"), ProjectFolder());
@@ -172,9 +174,14 @@ void TMainWindow::BuildDocks()
     addDockWidget(Qt::LeftDockWidgetArea, Dock(QStringLiteral("Befehle"), "PaletteDock", palette_, this));
     addDockWidget(Qt::BottomDockWidgetArea, Dock(QStringLiteral("Protokoll"), "LogDock", log_, this));
     addDockWidget(Qt::RightDockWidgetArea, Dock(QStringLiteral("Variablen"), "VariablesDock", variables_, this));
-    log_->header()->setSectionResizeMode(2, QHeaderView::Stretch);
-    connect(log_, &QTreeWidget::itemClicked, this, [this](QTreeWidgetItem* item) {
-        if (const int line = item->data(1, kLineRole).toInt(); line > 0) editor_->GoToLine(line);
+    log_->setObjectName(QStringLiteral("RunLog"));
+    log_->setRootIsDecorated(false);
+    log_->setUniformRowHeights(true);  // rows are laid out without measuring each
+    log_->setModel(logModel_);
+    log_->header()->setStretchLastSection(false);
+    log_->header()->setSectionResizeMode(TLogModel::Message, QHeaderView::Stretch);
+    connect(log_, &QTreeView::clicked, this, [this](const QModelIndex& index) {
+        if (const int line = index.data(TLogModel::kLineRole).toInt(); line > 0) editor_->GoToLine(line);
     });
 }
 
@@ -185,7 +192,9 @@ bool TMainWindow::OpenFile(const QString& path)
         Report(QStringLiteral("Die Datei %1 kann nicht gelesen werden").arg(path));
         return false;
     }
-    editor_->setPlainText(QString::fromUtf8(file.readAll()));
+    const TScriptFileText read = DecodeScriptFile(file.readAll());
+    editor_->setPlainText(read.text);
+    format_ = read.format;
     fileName_ = QFileInfo(path).absoluteFilePath();
     editor_->document()->setModified(false);
     editor_->CheckNow();
@@ -202,7 +211,9 @@ void TMainWindow::SetRecentFiles(const QStringList& files)
     recent_ = files.mid(0, kMaxRecentFiles);
     recentMenu_->clear();
     for (const QString& path : recent_) {
-        recentMenu_->addAction(QFileInfo(path).fileName(), this, [this, path] { OpenFile(path); })->setToolTip(path);
+        recentMenu_->addAction(QFileInfo(path).fileName(), this, [this, path] {
+            if (MayDiscardChanges()) OpenFile(path);
+        })->setToolTip(path);
     }
     recentMenu_->setEnabled(!recent_.isEmpty());
 }
@@ -222,16 +233,54 @@ bool TMainWindow::ConvertOlderLines()
 
 bool TMainWindow::SaveFile(const QString& path)
 {
+    // The file goes back in the encoding and line ending it came in. Characters Windows-1252 lacks
+    // make it UTF-8, which dvrun reads as well, rather than be lost.
+    TScriptFormat format = format_;
+    std::optional<QByteArray> bytes = EncodeScriptFile(editor_->toPlainText(), format);
+    QString note;
+    if (!bytes) {
+        format.encoding = TTextEncoding::Utf8;
+        bytes = EncodeScriptFile(editor_->toPlainText(), format);
+        note = QStringLiteral("Das Skript enthält Zeichen, die Windows-1252 nicht kennt: gespeichert als UTF-8");
+    }
     // Written whole or not at all: a failed save leaves the file as it was.
     QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(editor_->toPlainText().toUtf8()) < 0 || !file.commit()) {
+    if (!file.open(QIODevice::WriteOnly) || file.write(*bytes) < 0 || !file.commit()) {
         Report(QStringLiteral("Die Datei %1 kann nicht geschrieben werden").arg(path));
         return false;
     }
+    format_ = format;
     fileName_ = QFileInfo(path).absoluteFilePath();
     editor_->document()->setModified(false);
     UpdateTitle();
+    if (!note.isEmpty()) Report(note);
     return true;
+}
+
+bool TMainWindow::Save() { return fileName_.isEmpty() ? SaveAs() : SaveFile(fileName_); }
+
+bool TMainWindow::SaveAs()
+{
+    const QString path = QFileDialog::getSaveFileName(this, QStringLiteral("Skript speichern"), ProjectFolder(),
+                                                      QStringLiteral("Skripte (*.dvs)"));
+    return !path.isEmpty() && SaveFile(path);
+}
+
+bool TMainWindow::MayDiscardChanges()
+{
+    if (!editor_->document()->isModified()) return true;
+    QMessageBox ask(QMessageBox::Question, windowTitle(), QStringLiteral("Änderungen speichern?"),
+                    QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel, this);
+    ask.setObjectName(QStringLiteral("SaveChanges"));
+    ask.button(QMessageBox::Yes)->setText(QStringLiteral("Ja"));
+    ask.button(QMessageBox::No)->setText(QStringLiteral("Nein"));
+    ask.button(QMessageBox::Cancel)->setText(QStringLiteral("Abbrechen"));
+    ask.setDefaultButton(QMessageBox::Yes);
+    switch (ask.exec()) {
+    case QMessageBox::Yes: return Save();
+    case QMessageBox::No: return true;
+    default: return false;
+    }
 }
 
 void TMainWindow::SetProjectFolder(const QString& folder)
@@ -260,20 +309,15 @@ void TMainWindow::Report(const QString& message) { statusBar()->showMessage(mess
 void TMainWindow::Run()
 {
     if (session_) return;
-    log_->clear();
+    logModel_->Clear();
     variables_->clear();
     labor_->Clear();
     lastReport_.reset();
     verdict_->hide();
     const QString name = fileName_.isEmpty() ? QStringLiteral("unbenannt.dvs") : QFileInfo(fileName_).fileName();
     session_ = std::make_unique<TRunSession>(name, ProjectFolder(), &variableNames_);
-    TGuiServices& services = session_->Services();
-    connect(session_.get(), &TRunSession::Logged, this, &TMainWindow::AddLogEntry);
-    connect(session_.get(), &TRunSession::VariablesChanged, this, &TMainWindow::ShowVariables);
     connect(session_.get(), &TRunSession::Finished, this, &TMainWindow::OnRunFinished, Qt::QueuedConnection);
-    connect(&services, &TGuiServices::StatusTextChanged, this, [this](const QString& t) { statusBar()->showMessage(t); });
-    connect(&services, &TGuiServices::OutputWritten, labor_, &TLaborWindow::Write);
-    connect(&services, &TGuiServices::LaborVisibilityChanged, labor_, &QWidget::setVisible);
+    connect(&session_->Services(), &TGuiServices::LaborVisibilityChanged, labor_, &QWidget::setVisible);
     if (!session_->Load(editor_->toPlainText())) {
         OnRunFinished();
         return;
@@ -292,20 +336,38 @@ void TMainWindow::PollRun()
 {
     if (!session_) return;
     editor_->SetRunningLine(session_->RunningLine());
+    ShowBatch(session_->TakeBatch());
     session_->RequestVariables();
+}
+
+void TMainWindow::ShowBatch(TRunSession::TBatch batch)
+{
+    if (!batch.log.empty() || batch.droppedLog > 0) {
+        // The view follows new rows unless the user has scrolled up to read.
+        const QScrollBar* bar = log_->verticalScrollBar();
+        const bool follow = bar->value() == bar->maximum();
+        logModel_->Append(std::move(batch.log), batch.droppedLog);
+        if (follow) log_->scrollToBottom();
+    }
+    if (batch.status) statusBar()->showMessage(*batch.status);
+    for (const TOutputLine& o : batch.output) labor_->Write(o.text, o.fontName, o.size, o.style, o.color);
+    if (batch.variables) ShowVariables(FormatVariables(*batch.variables));
 }
 
 void TMainWindow::OnRunFinished()
 {
     pollTimer_.stop();
     session_->Wait();
+    ShowBatch(session_->TakeBatch());
     lastReport_ = session_->Report();
-    const QList<TVariableRow> rows = session_->FinalVariables();
+    const QList<TVariableRow> rows = FormatVariables(session_->FinalVariables());
     const bool parsed = lastReport_->exitCode != 2;
     session_.reset();
     editServices_.Install();  // the run's host took the services with it
     if (!parsed) {
-        for (const QString& e : lastReport_->errors) AddLogEntry(MakeLogEntry(QStringLiteral("FEHLER ") + e, 0));
+        std::deque<TLogLine> errors;
+        for (const QString& e : lastReport_->errors) errors.push_back({QTime::currentTime(), 0, QStringLiteral("FEHLER ") + e});
+        logModel_->Append(std::move(errors));
     }
     ShowVariables(rows);
     ShowVerdict(*lastReport_);
@@ -332,18 +394,6 @@ void TMainWindow::ShowVerdict(const host::TRunReport& report)
     verdict_->setStyleSheet(passed ? QStringLiteral("background:#c8f0c8;color:#0a400a;font-weight:bold")
                                    : QStringLiteral("background:#f8c8c8;color:#600000;font-weight:bold"));
     verdict_->show();
-}
-
-void TMainWindow::AddLogEntry(const TLogEntry& entry)
-{
-    auto* item = new QTreeWidgetItem(log_, {entry.time.toString(QStringLiteral("HH:mm:ss.zzz")),
-                                            entry.line > 0 ? QString::number(entry.line) : QString(), entry.message,
-                                            LevelName(entry.level)});
-    item->setData(1, kLineRole, entry.line);
-    if (entry.level == TLogLevel::Error) {
-        for (int c = 0; c < 4; ++c) item->setForeground(c, Qt::darkRed);
-    }
-    log_->scrollToItem(item);
 }
 
 void TMainWindow::ShowVariables(const QList<TVariableRow>& rows)
@@ -373,7 +423,7 @@ bool TMainWindow::InsertCommand(const QString& commandClass)
     if (session_) return false;
     TDVRunEdit* command = editHost_.Commands().ForClass(commandClass);
     if (!command) return false;
-    editor_->CheckNow();  // the dialog's edit boxes offer the names declared so far
+    PrepareEdit(editor_->CurrentLine());
     try {
         auto* call = dynamic_cast<TDVThreadRunEdit*>(command);
         const std::optional<QString> text =
@@ -385,6 +435,16 @@ bool TMainWindow::InsertCommand(const QString& commandClass)
         Report(e.Message());
         return false;
     }
+}
+
+void TMainWindow::PrepareEdit(int line)
+{
+    // The dialogs' edit boxes offer, and an if condition may name, what is declared at the line:
+    // inside a procedure its parameters and locals too.
+    editor_->CheckNow();
+    const host::TScope scope = editor_->LastCheck().ScopeAt(line);
+    editHost_.Program().globals = scope;
+    variableNames_.setStringList(Names(scope));
 }
 
 void TMainWindow::PlaceNewText(const QString& text)
@@ -411,7 +471,7 @@ bool TMainWindow::EditCurrentLine()
     const QString text = editor_->LineText(line);
     const TLineCommand command = CommandOfLine(text, editHost_.Commands());
     if (!command) return false;
-    editor_->CheckNow();
+    PrepareEdit(line);
     try {
         const std::optional<QString> edited =
             command.call ? EditCall(*command.call, text) : EditStructure(*command.structure, line, text);
@@ -439,6 +499,10 @@ bool TMainWindow::eventFilter(QObject* watched, QEvent* event)
 
 void TMainWindow::closeEvent(QCloseEvent* event)
 {
+    if (!MayDiscardChanges()) {
+        event->ignore();
+        return;
+    }
     if (session_) {
         session_->Stop();
         QEventLoop wait;

@@ -5,6 +5,7 @@
 #include "host/runner.h"
 #include "workbench/guiservices.h"
 #include "workbench/runsession.h"
+#include "workbench/scriptfile.h"
 
 #include <QMainWindow>
 #include <QStringListModel>
@@ -14,6 +15,7 @@
 #include <optional>
 
 class QLabel;
+class QTreeView;
 class QTreeWidget;
 class QAction;
 class QMenu;
@@ -34,13 +36,22 @@ public:
     TScriptEditor& Editor() { return *editor_; }
     TCommandPalette& Palette() { return *palette_; }
     TLaborWindow& Labor() { return *labor_; }
-    QTreeWidget& Log() { return *log_; }
+    QTreeView& Log() { return *log_; }
+    TLogModel& LogModel() { return *logModel_; }
     QTreeWidget& Variables() { return *variables_; }
     QLabel& Verdict() { return *verdict_; }
     host::TCommandPool& Commands() { return editHost_.Commands(); }
 
+    // Reads the file in its encoding (see scriptfile.h); asks nothing.
     bool OpenFile(const QString& path);
+    // Writes the script in the encoding and line ending it was read in.
     bool SaveFile(const QString& path);
+    bool Save();    // to the current file, or as a new one when there is none
+    bool SaveAs();  // asks for the file
+    // When the script has unsaved changes, asks "Änderungen speichern?": true when they were
+    // saved or may be dropped, false when the user cancelled (or saving failed).
+    bool MayDiscardChanges();
+    const TScriptFormat& FileFormat() const { return format_; }
     const QString& FileName() const { return fileName_; }
     // The folder PROJEKTPFAD names; empty: the script's folder.
     void SetProjectFolder(const QString& folder);
@@ -76,11 +87,12 @@ private:
     void BuildDocks();
     void OnRunFinished();
     void ShowVerdict(const host::TRunReport& report);
-    void AddLogEntry(const TLogEntry& entry);
+    void ShowBatch(TRunSession::TBatch batch);
     void ShowVariables(const QList<TVariableRow>& rows);
     void SetRunning(bool running);
     void PollRun();
     void UpdateTitle();
+    void PrepareEdit(int line);
     void PlaceNewText(const QString& text);
     void Report(const QString& message);
 
@@ -90,7 +102,8 @@ private:
     TScriptEditor* editor_;
     TCommandPalette* palette_;
     TLaborWindow* labor_;
-    QTreeWidget* log_;
+    TLogModel* logModel_;
+    QTreeView* log_;
     QTreeWidget* variables_;
     QLabel* verdict_;
     TFindReplaceBar* findBar_;
@@ -99,6 +112,7 @@ private:
     QAction* runAction_ = nullptr;
     QAction* stopAction_ = nullptr;
     QString fileName_;
+    TScriptFormat format_;
     QString projectFolder_;
     std::unique_ptr<TRunSession> session_;
     std::optional<host::TRunReport> lastReport_;

@@ -1,6 +1,5 @@
 #include "workbench/palette.h"
 
-#include "framework/catalogue.h"
 #include "framework/registry.h"
 
 #include <QKeyEvent>
@@ -11,42 +10,33 @@ namespace dv::workbench {
 
 namespace {
 
-struct TGroup {
-    char chapter;       // first digit of the row's reference chapter
-    const char* title;  // the subsystem
-};
-
-// clang-format off
+// The groups in the order the palette lists them.
 constexpr std::array kGroups{
-    TGroup{'2', "Text"}, TGroup{'3', "Struktur"}, TGroup{'4', "System"},
-    TGroup{'5', "Dialoge"}, TGroup{'6', "Scope"}, TGroup{'8', "Bild"},
+    TSubsystem::Text,  TSubsystem::Structure, TSubsystem::System, TSubsystem::Dialogs,
+    TSubsystem::Scope, TSubsystem::Image,     TSubsystem::Host,
 };
-// clang-format on
-
-// Rows without a chapter of their own are placed by what they work on.
-char ChapterOf(const TCatalogueRow& row)
-{
-    const QString procedure = QString::fromLatin1(row.procedure);
-    if (procedure.startsWith(QLatin1String("Image"))) return '8';
-    if (*row.section && row.section[0] != '1') return row.section[0];
-    return '5';  // the HTML forms and the laboratory view are dialogs to the user
-}
 
 }  // namespace
 
-TCommandPalette::TCommandPalette(QWidget* parent) : QTreeWidget(parent)
+TCommandPalette::TCommandPalette(QWidget* parent) : TCommandPalette(Catalogue(), &IsAvailable, parent) {}
+
+TCommandPalette::TCommandPalette(std::span<const TCatalogueRow> rows, TAvailable available, QWidget* parent)
+    : QTreeWidget(parent)
 {
     setObjectName(QStringLiteral("CommandPalette"));
     setHeaderHidden(true);
-    for (const TGroup& g : kGroups) {
-        auto* group = new QTreeWidgetItem(this, {QString::fromLatin1(g.title)});
-        group->setFlags(Qt::ItemIsEnabled);
-        for (const TCatalogueRow& row : Catalogue()) {
-            if (ChapterOf(row) != g.chapter) continue;
+    for (const TSubsystem g : kGroups) {
+        QTreeWidgetItem* group = nullptr;
+        for (const TCatalogueRow& row : rows) {
+            if (row.group != g) continue;
+            if (!group) {
+                group = new QTreeWidgetItem(this, {GroupTitle(g)});
+                group->setFlags(Qt::ItemIsEnabled);
+            }
             auto* item = new QTreeWidgetItem(group, {QString::fromLatin1(row.procedure)});
             item->setData(0, kCommandClassRole, QString::fromLatin1(row.commandClass));
             item->setToolTip(0, *row.signature ? QString::fromLatin1(row.signature) : QString::fromLatin1(row.dialogClass));
-            if (!IsAvailable(row)) {
+            if (!available(row)) {
                 item->setFlags(Qt::NoItemFlags);
                 item->setToolTip(0, item->toolTip(0) + QStringLiteral("\n(nicht verfügbar)"));
             }
@@ -56,10 +46,27 @@ TCommandPalette::TCommandPalette(QWidget* parent) : QTreeWidget(parent)
     connect(this, &QTreeWidget::itemDoubleClicked, this, [this](QTreeWidgetItem* item) { Request(item); });
 }
 
+QString TCommandPalette::GroupTitle(TSubsystem group)
+{
+    switch (group) {
+    case TSubsystem::Text: return QStringLiteral("Text");
+    case TSubsystem::Structure: return QStringLiteral("Struktur");
+    case TSubsystem::System: return QStringLiteral("System");
+    case TSubsystem::Dialogs: return QStringLiteral("Dialoge");
+    case TSubsystem::Scope: return QStringLiteral("Scope");
+    case TSubsystem::Image: return QStringLiteral("Bild");
+    case TSubsystem::Host: return QStringLiteral("Labor");
+    }
+    return {};
+}
+
 QTreeWidgetItem* TCommandPalette::ItemOf(const QString& procedure) const
 {
-    const QList<QTreeWidgetItem*> found = findItems(procedure, Qt::MatchExactly | Qt::MatchRecursive);
-    return found.isEmpty() ? nullptr : found.first();
+    // A group may carry a command's name ("Scope"): only command rows count.
+    for (QTreeWidgetItem* item : findItems(procedure, Qt::MatchExactly | Qt::MatchRecursive)) {
+        if (item->parent()) return item;
+    }
+    return nullptr;
 }
 
 void TCommandPalette::keyPressEvent(QKeyEvent* event)

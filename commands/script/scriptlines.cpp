@@ -12,7 +12,7 @@ QString DialogOf(const char* commandClass)
     return row ? QString::fromLatin1(row->dialogClass) : QString();
 }
 
-bool IsNewLine(const QString& line) { return line.trimmed().isEmpty(); }
+bool IsNewLine(const QString& line) { return line.isEmpty(); }
 
 QString Cut(const QString& line, qsizetype from, qsizetype to)
 {

@@ -12,7 +12,8 @@ inline const QString kLineBreak = QStringLiteral("\r\n");
 
 // The dialog class the catalogue lists for a command class.
 QString DialogOf(const char* commandClass);
-// An empty or blank line: the editor asks for a new block there.
+// An empty line: the editor asks for a new block there. A line of blanks is not empty: it is
+// read as the line it is (a loop refuses it, as it begins with no loop word).
 bool IsNewLine(const QString& line);
 // line[from, to), both ends clamped to the line; empty when to <= from.
 QString Cut(const QString& line, qsizetype from, qsizetype to);

@@ -82,6 +82,29 @@ TEST(CatalogueTest, EveryBuiltClassIsACatalogueRow)
     for (const TCommandClass& c : CommandClasses()) EXPECT_NE(FindCommandClass(c.commandClass), nullptr) << c.commandClass;
 }
 
+// The subsystem of every row as the library's subsystems are laid out: the HTML forms are dialogs,
+// image capture and change belong to the image commands, the laboratory view is the host's.
+TEST(CatalogueTest, EveryRowBelongsToItsSubsystem)
+{
+    using enum TSubsystem;
+    const std::pair<const char*, TSubsystem> groups[] = {
+        {"ArrayToStr", Text}, {"StrToArray", Text}, {"StringBearbeitung", Text}, {"NumberConvert", Text},
+        {"(loop)", Structure}, {"(case)", Structure}, {"(if-then-else)", Structure}, {"(comment)", Structure},
+        {"Exec", System}, {"SysUtils", System}, {"IniFile", System}, {"CallNamedPipe", System}, {"TCP", System},
+        {"MeldungsBox", Dialogs}, {"TextOut", Dialogs}, {"StatusText", Dialogs}, {"OpenSaveDlg", Dialogs},
+        {"FormShow", Dialogs}, {"FormResult", Dialogs},
+        {"Scope", Scope},
+        {"ImageEval", Image}, {"ImageLoad", Image}, {"ImageSave", Image}, {"ImageCapture", Image}, {"ImageChange", Image},
+        {"ShowLabor", Host}, {"HideLabor", Host},
+    };
+    ASSERT_EQ(std::size(groups), Catalogue().size());
+    for (const auto& [procedure, group] : groups) {
+        const TCatalogueRow* row = FindProcedure(procedure);
+        ASSERT_NE(row, nullptr) << procedure;
+        EXPECT_EQ(row->group, group) << procedure;
+    }
+}
+
 TEST(CatalogueTest, LookupIgnoresCaseOfProcedures)
 {
     ASSERT_NE(FindProcedure("tcp"), nullptr);

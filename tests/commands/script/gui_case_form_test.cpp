@@ -28,6 +28,9 @@ TEST(CaseFormTest, WritesAHeadWithItsClosingLineOnlyWhenNewAndABranchWithout)
         {"case Modus of", "Edit_Fall", "4", "BT_OK", "RB_Anweisung", {true, "select 4:"}},
         {"select 3:", "Edit_Selektor", "Neu", "BT_OK", "RB_Verzweigung", {true, "case Neu of"}},
         {"case Modus of", "Edit_Fall", "4", "BT_Cancel", "RB_Anweisung", {false, "case Modus of"}},
+        // A line of blanks is no new statement: it reads as a branch, and a head written on it
+        // gets no closing line.
+        {"  ", "Edit_Selektor", "Modus", "BT_OK", "RB_Verzweigung", {true, "case Modus of"}},
     };
     TDVCmdCase command;
     for (const auto& r : rows) {

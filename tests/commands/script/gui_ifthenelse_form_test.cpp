@@ -37,6 +37,8 @@ TEST(IfThenElseFormTest, WritesTheHeadAndForANewStatementItsElseAndEndLines)
         {"", "a > 5", "BT_OK", "", {true, "if a > 5 then\r\n911:else\r\n912:end if;"}},
         {"if (x = 1) AND y then", nullptr, "BT_OK", "(x = 1) AND y", {true, "if (x = 1) AND y then"}},
         {"if a > 5 then", "a < 2", "BT_Cancel", "a > 5", {false, "if a > 5 then"}},
+        // Only an empty line is a new statement: on a line of blanks the head comes alone.
+        {"   ", "a > 5", "BT_OK", "", {true, "if a > 5 then"}},
     };
     TDVCmdIfThenElse command;
     for (const auto& r : rows) {

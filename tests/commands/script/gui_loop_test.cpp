@@ -92,6 +92,8 @@ TEST_F(LoopLinesTest, ALineThatIsNoLoopHeadIsReportedAndLeftAlone)
         {"while x", "Die Kommandozeile konnte nicht geparst werden: \"do\" erwartet aber nicht gefunden."},
         {"for I 1 to 3 do", "Die Kommandozeile konnte nicht geparst werden: \":=\" erwartet bei '1'"},
         {"\"offen", "Die Kommandozeile konnte nicht geparst werden: Zeichenkette wird nicht geschlossen"},
+        // Only an empty line asks for a new loop; blanks are a line without a loop word.
+        {"   ", "Die Kommandozeile konnte nicht geparst werden: Fehler beim Parsen der Kommandozeile: for, while oder repeat erwartet"},
     };
     for (const auto& [line, message] : rows) {
         QString text;

@@ -1,27 +1,24 @@
-// The workbench driven through its widgets: calls written and re-edited through the commands'
-// dialogs, scripts run and stopped, and what the log, the verdict and the variables show after.
-#include "commands/system/platform_process.h"
+// The workbench's editor driven through its widgets: calls and structure blocks written and
+// re-edited through the commands' dialogs, the palette, tooltips, syntax marks, find and replace,
+// and the older lines converted.
 #include "framework/catalogue.h"
 #include "framework/registry.h"
 #include "tests/commands/formdriver.h"
+#include "tests/workbench/workbenchdriver.h"
 #include "workbench/calledit.h"
 #include "workbench/findreplace.h"
 #include "workbench/highlighter.h"
-#include "workbench/laborwindow.h"
-#include "workbench/mainwindow.h"
 #include "workbench/palette.h"
-#include "workbench/runlog.h"
 #include "workbench/scripteditor.h"
 
 #include <QCompleter>
 #include <QDialog>
-#include <QElapsedTimer>
-#include <QLabel>
-#include <QSignalSpy>
+#include <QHelpEvent>
+#include <QMessageBox>
 #include <QStringListModel>
-#include <QTemporaryDir>
 #include <QTextBlock>
 #include <QTextEdit>
+#include <QToolTip>
 #include <QTreeWidget>
 
 #include <gtest/gtest.h>
@@ -32,60 +29,9 @@ namespace {
 using dv::test::Click;
 using dv::test::OnModal;
 using dv::test::Type;
-
-// Lets the event loop run until pred holds or ms have passed; pred's last answer.
-bool WaitFor(const std::function<bool()>& pred, int ms)
-{
-    QElapsedTimer timer;
-    timer.start();
-    while (!pred() && timer.elapsed() < ms) QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-    return pred();
-}
-
-QString ReadText(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
-}
-
-class WorkbenchTest : public ::testing::Test {
-protected:
-    WorkbenchTest()
-    {
-        SetProgramOutputFolder(folder.path());
-        window.show();
-    }
-
-    void SetScript(const QString& text)
-    {
-        window.Editor().setPlainText(text);
-        window.Editor().CheckNow();
-    }
-    void RunToEnd()
-    {
-        QSignalSpy finished(&window, &TMainWindow::RunFinished);
-        window.Run();
-        ASSERT_TRUE(WaitFor([&] { return !finished.isEmpty(); }, 20000)) << "the run did not end";
-    }
-    // The log rows as "line|message|level".
-    QStringList LogRows()
-    {
-        QStringList rows;
-        for (int i = 0; i < window.Log().topLevelItemCount(); ++i) {
-            const QTreeWidgetItem* item = window.Log().topLevelItem(i);
-            rows << item->text(1) + '|' + item->text(2) + '|' + item->text(3);
-        }
-        return rows;
-    }
-    QString VariableValue(const QString& name)
-    {
-        const auto found = window.Variables().findItems(name, Qt::MatchExactly, 0);
-        return found.isEmpty() ? QStringLiteral("<fehlt>") : found.first()->text(1) + ' ' + found.first()->text(2);
-    }
-
-    QTemporaryDir folder;
-    TMainWindow window;
-};
+using test::ReadText;
+using test::WaitFor;
+using test::WorkbenchTest;
 
 TEST_F(WorkbenchTest, PaletteInsertsATcpCallWrittenFromItsDialogWithNamedArguments)
 {
@@ -115,18 +61,51 @@ TEST_F(WorkbenchTest, PaletteInsertsATcpCallWrittenFromItsDialogWithNamedArgumen
     EXPECT_TRUE(window.Editor().LastCheck().errors.empty()) << "the written line must read back as a call";
 }
 
-TEST_F(WorkbenchTest, PaletteGroupsEveryCatalogueRowAndDisablesTheOnesNotBuilt)
+TEST_F(WorkbenchTest, PaletteListsEveryCatalogueRowUnderItsSubsystem)
 {
-    const QTreeWidgetItem* tcp = window.Palette().ItemOf("TCP");
-    const QTreeWidgetItem* box = window.Palette().ItemOf("MeldungsBox");
-    ASSERT_TRUE(tcp && box);
-    EXPECT_EQ(tcp->parent()->text(0), "System");
-    EXPECT_EQ(box->parent()->text(0), "Dialoge");
-    for (const dv::TCatalogueRow& row : dv::Catalogue()) {
-        const QTreeWidgetItem* item = window.Palette().ItemOf(QString::fromLatin1(row.procedure));
-        ASSERT_TRUE(item) << row.procedure;
-        EXPECT_EQ(bool(item->flags() & Qt::ItemIsEnabled), dv::IsAvailable(row)) << row.procedure;
+    QStringList groups;
+    for (int i = 0; i < window.Palette().topLevelItemCount(); ++i) groups << window.Palette().topLevelItem(i)->text(0);
+    EXPECT_EQ(groups, QStringList({"Text", "Struktur", "System", "Dialoge", "Scope", "Bild", "Labor"}));
+    const std::pair<const char*, const char*> placed[] = {
+        {"ArrayToStr", "Text"}, {"(loop)", "Struktur"}, {"(comment)", "Struktur"}, {"TCP", "System"},
+        {"MeldungsBox", "Dialoge"}, {"FormResult", "Dialoge"}, {"Scope", "Scope"}, {"ImageCapture", "Bild"},
+        {"ShowLabor", "Labor"},
+    };
+    for (const auto& [procedure, group] : placed) {
+        const QTreeWidgetItem* item = window.Palette().ItemOf(procedure);
+        ASSERT_TRUE(item && item->parent()) << procedure;
+        EXPECT_EQ(item->parent()->text(0), group) << procedure;
     }
+    int rows = 0;
+    for (int i = 0; i < window.Palette().topLevelItemCount(); ++i) rows += window.Palette().topLevelItem(i)->childCount();
+    EXPECT_EQ(rows, static_cast<int>(dv::Catalogue().size()));
+}
+
+TEST(CommandPalette, RowsNotBuiltAreGreyedAndInsertNothing)
+{
+    const dv::TCatalogueRow rows[] = {
+        {"Gebaut", "procedure Gebaut;", "TDVCmdGebaut", dv::TBaseKind::Func, "", 0, dv::TSubsystem::System},
+        {"Fehlt", "procedure Fehlt;", "TDVCmdFehlt", dv::TBaseKind::Func, "", 0, dv::TSubsystem::System},
+        {"Kamera", "procedure Kamera;", "TDVCmdKamera", dv::TBaseKind::Func, "", 0, dv::TSubsystem::Image},
+    };
+    TCommandPalette palette(rows, [](const dv::TCatalogueRow& row) { return QString(row.procedure) != "Fehlt"; });
+    palette.show();
+    ASSERT_EQ(palette.topLevelItemCount(), 2) << "groups without rows are left out";
+    QSignalSpy requested(&palette, &TCommandPalette::InsertRequested);
+    for (const char* procedure : {"Fehlt", "Gebaut", "Kamera"}) {
+        QTreeWidgetItem* item = palette.ItemOf(procedure);
+        ASSERT_TRUE(item) << procedure;
+        palette.setCurrentItem(item);
+        QTest::keyClick(&palette, Qt::Key_Return);
+        emit palette.itemDoubleClicked(item, 0);
+    }
+    const QTreeWidgetItem* missing = palette.ItemOf("Fehlt");
+    EXPECT_FALSE(missing->flags() & Qt::ItemIsEnabled);
+    EXPECT_TRUE(missing->toolTip(0).endsWith("(nicht verfügbar)")) << missing->toolTip(0).toStdString();
+    EXPECT_TRUE(palette.ItemOf("Gebaut")->flags() & Qt::ItemIsEnabled);
+    QStringList classes;
+    for (const QList<QVariant>& args : requested) classes << args.at(0).toString();
+    EXPECT_EQ(classes, QStringList({"TDVCmdGebaut", "TDVCmdGebaut", "TDVCmdKamera", "TDVCmdKamera"}));
 }
 
 TEST_F(WorkbenchTest, EditingALineAndCancellingChangesNothingWhileOkRewritesItInPlace)
@@ -219,9 +198,83 @@ TEST_F(WorkbenchTest, CaseAndCommentRowsWriteTheirLinesBelowTheCurrentOne)
         Type(d, "Edit_Selektor", "N");
         Click(d, "BT_OK");
     });
-    EXPECT_EQ(window.Editor().toPlainText().count('\n'), 4) << window.Editor().toPlainText().toStdString();
-    EXPECT_TRUE(window.Editor().LineText(4).startsWith("case")) << window.Editor().LineText(4).toStdString();
-    EXPECT_EQ(window.Editor().LineText(5), "631:end case");
+    EXPECT_EQ(window.Editor().toPlainText(), "var N : Number = 2\nLog(N)\n// Auswahl nach N\ncase N of\n631:end case");
+}
+
+// F2 on a line, act works the dialog named form; the line as it reads afterwards.
+QString EditLineWith(TMainWindow& window, const QString& line, const char* form, std::function<void(QWidget&)> act)
+{
+    window.Editor().setPlainText("var R : String\nvar N : Number\n" + line);
+    window.Editor().GoToLine(3);
+    bool shown = false;
+    OnModal(form, [&shown, act](QWidget& d) {
+        shown = true;
+        act(d);
+    });
+    window.EditCurrentLine();
+    EXPECT_TRUE(shown) << "no " << form << " for " << line.toStdString();
+    return window.Editor().LineText(3);
+}
+
+TEST_F(WorkbenchTest, EditingALineKeepsItsMarkerAndWhatFollowsTheStatement)
+{
+    const auto port = [](QWidget& d) {
+        Type(d, "DVEdit_Port", "2");
+        Click(d, "BT_OK");
+    };
+    const QString tcp = "TCP(Host := \"h\", Port := 2, Send := \"x\", Sentinel := [10], Result := R);";
+    const struct {
+        QString line;
+        const char* form;
+        std::function<void(QWidget&)> act;
+        QString edited;
+    } rows[] = {
+        {"TCP(Host := \"h\", Port := 1, Send := \"x\", Result := R); // Messgeraet", "TFormTCP", port, tcp + " // Messgeraet"},
+        {"  TCP(Host := \"h\", Port := 1, Send := \"x\", Result := R);  Log(R)", "TFormTCP", port, "  " + tcp + "  Log(R)"},
+        {"TCP(Host := \"(\", Port := 1, Send := \")\", Result := R) Log(R)", "TFormTCP", port,
+         "TCP(Host := \"(\", Port := 2, Send := \")\", Sentinel := [10], Result := R); Log(R)"},
+        {"  93:until N >= 3;", "TDVGUILoop",
+         [](QWidget& d) {
+             EXPECT_EQ(dv::test::Find<QLineEdit>(d, "Edit_RepeatCondition").text(), "N >= 3");
+             Type(d, "Edit_RepeatCondition", "N >= 4");
+             Click(d, "BT_OK");
+         },
+         "  93:until N >= 4;"},
+        {"until N > 1; Log(\"do\") // fertig", "TDVGUILoop",
+         [](QWidget& d) {
+             Type(d, "Edit_RepeatCondition", "N > 2");
+             Click(d, "BT_OK");
+         },
+         "until N > 2; Log(\"do\") // fertig"},
+        {"while N < 3 do // warten", "TDVGUILoop",
+         [](QWidget& d) {
+             Type(d, "Edit_WhileCondition", "N < 4");
+             Click(d, "BT_OK");
+         },
+         "while N < 4 do // warten"},
+        {"if N > 1 then Log(\"gross\")", "TIfThenElse", [](QWidget& d) { ConfirmCondition(d, "N > 5"); },
+         "if N > 5 then Log(\"gross\")"},
+    };
+    for (const auto& r : rows) EXPECT_EQ(EditLineWith(window, r.line, r.form, r.act), r.edited) << r.line.toStdString();
+}
+
+TEST_F(WorkbenchTest, EndAndRepeatLinesOfLoopsAnswerWithTheLoopsMessage)
+{
+    const std::pair<const char*, const char*> rows[] = {
+        {"93:end for", "Sie können das Ende einer For- oder While-schleife nicht editieren, editieren Sie stattdessen den Schleifenkopf."},
+        {"  end while", "Sie können das Ende einer For- oder While-schleife nicht editieren, editieren Sie stattdessen den Schleifenkopf."},
+        {"repeat", "Eine Repeat-Anweisung kann nicht editiert werden. Bitte editieren Sie die abschliessende Until-Anweisung."},
+    };
+    for (const auto& [line, message] : rows) {
+        QString shown;
+        const QString after = EditLineWith(window, line, "MessageDlg", [&shown](QWidget& box) {
+            shown = static_cast<QMessageBox&>(box).text();
+            static_cast<QMessageBox&>(box).accept();
+        });
+        EXPECT_EQ(shown, message) << line;
+        EXPECT_EQ(after, line);
+    }
+    EXPECT_FALSE(CommandOfLine("end if", window.Commands())) << "only loops have a command for their end";
 }
 
 TEST_F(WorkbenchTest, IfHeadIsEditedInPlaceThroughItsDialogAndCancelLeavesTheScript)
@@ -249,91 +302,74 @@ TEST_F(WorkbenchTest, IfHeadIsEditedInPlaceThroughItsDialogAndCancelLeavesTheScr
               "var A : Number = 3\nif A > 1 then\n  if A > 5 then\n    Log(\"gross\")\n  end if\nend if");
 }
 
+TEST_F(WorkbenchTest, IfConditionsMayNameWhatIsDeclaredAtTheEditedLine)
+{
+    const QString script =
+        "var Grenze : Number = 1\n"
+        "procedure Messe(Kanal : Number; var Antwort : String)\n"
+        "  var Wert : Number\n"
+        "  if Kanal > 1 then\n"
+        "  end if\n"
+        "end procedure\n"
+        "procedure Leer\n"
+        "  if Grenze > 0 then\n"
+        "  end if\n"
+        "end procedure\n"
+        "if Grenze > 0 then\n"
+        "end if";
+    const struct {
+        int line;
+        const char* condition;
+        bool accepted;
+    } rows[] = {
+        {4, "Kanal > Grenze and Wert > 2", true}, {4, "Antwort = \"ok\"", true}, {4, "Unbekannt > 1", false},
+        {8, "Grenze > 2", true}, {8, "Kanal > 1", false},  // another procedure's parameter
+        {11, "Grenze > 3", true}, {11, "Wert > 1", false},  // outside every procedure
+    };
+    for (const auto& r : rows) {
+        SetScript(script);
+        window.Editor().GoToLine(r.line);
+        bool open = false;
+        OnModal("TIfThenElse", [&](QWidget& d) {
+            Type(d, "Edit_Vergleich1", r.condition);
+            Click(d, "BT_OK");
+            open = d.isVisible();
+            if (open) static_cast<QDialog&>(d).reject();
+        });
+        EXPECT_EQ(window.EditCurrentLine(), r.accepted) << r.line << " " << r.condition;
+        EXPECT_EQ(open, !r.accepted) << r.line << " " << r.condition;
+        if (r.accepted) {
+            EXPECT_EQ(window.Editor().LineText(r.line).trimmed(), QString("if %1 then").arg(r.condition));
+        }
+    }
+    // A block inserted inside the procedure knows its names as well.
+    SetScript(script);
+    window.Editor().GoToLine(3);
+    InsertFromPalette(window, "(if-then-else)", "TIfThenElse", [](QWidget& d) { ConfirmCondition(d, "Wert > Kanal"); });
+    EXPECT_EQ(window.Editor().LineText(4), "  if Wert > Kanal then");
+}
+
+// The tooltip the editor shows when the mouse rests on the line; empty when it shows none.
+QString TooltipAt(TScriptEditor& editor, int line)
+{
+    QToolTip::hideText();  // hides after a moment
+    WaitFor([] { return !QToolTip::isVisible(); }, 2000);
+    const QRect rect = editor.cursorRect(QTextCursor(editor.document()->findBlockByNumber(line - 1)));
+    const QPoint at = rect.center() + QPoint(20, 0);
+    QHelpEvent event(QEvent::ToolTip, at, editor.viewport()->mapToGlobal(at));
+    QCoreApplication::sendEvent(&editor, &event);
+    return QToolTip::isVisible() ? QToolTip::text() : QString();
+}
+
 TEST_F(WorkbenchTest, CallLineShowsTheCommandsDescriptionAndOtherLinesNone)
 {
-    const QString description = DescribeLine("ArrayToStr(Str := S, Arr := A);", window.Commands());
+    SetScript("var S : String\nvar A : Array of Number\n  ArrayToStr(Str := S, Arr := A); // Text\nLog(1)\nA := * 3");
+    const QString description = TooltipAt(window.Editor(), 3);
     EXPECT_TRUE(description.contains(">>A<<")) << description.toStdString();
-    EXPECT_TRUE(DescribeLine("Log(1)", window.Commands()).isEmpty());
-}
-
-TEST_F(WorkbenchTest, PassingRunShowsItsVerdictAndLogLines)
-{
-    SetScript("var U : Number = 4.98\nLog(\"Spannung \" + U)\nCheck(U > 4.9, \"zu klein\")");
-    RunToEnd();
-    EXPECT_TRUE(window.Verdict().isVisible());
-    EXPECT_TRUE(window.Verdict().text().startsWith("Bestanden")) << window.Verdict().text().toStdString();
-    EXPECT_TRUE(LogRows().contains("2|Spannung 4.98|Info")) << LogRows().join('\n').toStdString();
-    ASSERT_TRUE(window.LastReport());
-    EXPECT_EQ(window.LastReport()->exitCode, 0);
-}
-
-TEST_F(WorkbenchTest, FailingRunNamesTheFailedCheckAndTheLogJumpsToItsLine)
-{
-    SetScript("var U : Number = 4.5\nLog(U)\nCheck(U > 4.9, \"zu klein\")\nLog(\"weiter\")");
-    RunToEnd();
-    EXPECT_TRUE(window.Verdict().text().startsWith("Fehlgeschlagen"));
-    EXPECT_TRUE(window.Verdict().text().contains("unbenannt.dvs:3: Prüfung fehlgeschlagen: zu klein"))
-        << window.Verdict().text().toStdString();
-    // A failed check does not end the run.
-    EXPECT_TRUE(LogRows().contains("4|weiter|Info"));
-    QTreeWidgetItem* failure = nullptr;
-    for (int i = 0; i < window.Log().topLevelItemCount() && !failure; ++i) {
-        if (window.Log().topLevelItem(i)->text(3) == "Fehler") failure = window.Log().topLevelItem(i);
-    }
-    ASSERT_NE(failure, nullptr) << LogRows().join('\n').toStdString();
-    EXPECT_EQ(failure->text(1), "3");
-    window.Editor().GoToLine(1);
-    const QRect row = window.Log().visualItemRect(failure);
-    QTest::mouseClick(window.Log().viewport(), Qt::LeftButton, {}, row.center());
-    EXPECT_EQ(window.Editor().CurrentLine(), 3);
-
-    QTemporaryDir dir;
-    const QString junit = dir.filePath("bericht.xml");
-    ASSERT_TRUE(window.ExportJUnit(junit));
-    QFile report(junit);
-    ASSERT_TRUE(report.open(QIODevice::ReadOnly));
-    const QString xml = QString::fromUtf8(report.readAll());
-    EXPECT_TRUE(xml.contains("<failure")) << xml.toStdString();
-    EXPECT_TRUE(xml.contains("zu klein"));
-}
-
-TEST_F(WorkbenchTest, StopEndsAScriptBlockedInALongExecAndMarksItsLineMeanwhile)
-{
-    SetScript("Log(\"vor Exec\")\nExec(ExePath := \"sleep\", Params := \"30\", TimeOut := -1)\nLog(\"nach Exec\")");
-    QSignalSpy finished(&window, &TMainWindow::RunFinished);
-    window.activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
-    QTest::keyClick(&window.Editor(), Qt::Key_F5);
-    ASSERT_TRUE(window.IsRunning());
-    EXPECT_TRUE(WaitFor([&] { return window.Editor().RunningLine() == 2; }, 5000)) << window.Editor().RunningLine();
-    EXPECT_TRUE(window.Editor().isReadOnly());
-    QElapsedTimer stopping;
-    stopping.start();
-    QTest::keyClick(&window.Editor(), Qt::Key_F5, Qt::ShiftModifier);
-    ASSERT_TRUE(WaitFor([&] { return !finished.isEmpty(); }, 10000));
-    EXPECT_LT(stopping.elapsed(), 5000);  // far from the 30 s the program would take
-    RecordProperty("stop_ms", static_cast<int>(stopping.elapsed()));
-    EXPECT_TRUE(window.Verdict().text().contains("Test abgebrochen")) << window.Verdict().text().toStdString();
-    EXPECT_FALSE(LogRows().join('\n').contains("nach Exec"));
-    EXPECT_EQ(window.Editor().RunningLine(), 0);
-    EXPECT_FALSE(window.Editor().isReadOnly());
-}
-
-TEST_F(WorkbenchTest, VariablesViewFollowsARunningLoop)
-{
-    SetScript("var I : Number\nwhile True do\n  I := I + 1\nend while");
-    QSignalSpy finished(&window, &TMainWindow::RunFinished);
-    window.Run();
-    auto counted = [&] {
-        const auto found = window.Variables().findItems("I", Qt::MatchExactly, 0);
-        return !found.isEmpty() && found.first()->text(2).toDouble() > 0;
-    };
-    EXPECT_TRUE(WaitFor(counted, 5000)) << "no live value while the loop runs";
-    EXPECT_TRUE(window.IsRunning());
-    EXPECT_EQ(window.Editor().RunningLine(), 3);
-    window.Stop();
-    ASSERT_TRUE(WaitFor([&] { return !finished.isEmpty(); }, 10000));
-    EXPECT_TRUE(window.Verdict().text().contains("Test abgebrochen"));
+    EXPECT_EQ(description, DescribeLine("ArrayToStr(Str := S, Arr := A);", window.Commands()));
+    EXPECT_EQ(TooltipAt(window.Editor(), 4), "");
+    ASSERT_EQ(window.Editor().LastCheck().errors.size(), 1u);
+    EXPECT_EQ(TooltipAt(window.Editor(), 5), window.Editor().LastCheck().errors[0].message) << "an error line shows its error";
 }
 
 TEST_F(WorkbenchTest, SyntaxErrorIsUnderlinedAtItsLineAfterTypingPauses)
@@ -353,40 +389,6 @@ TEST_F(WorkbenchTest, SyntaxErrorIsUnderlinedAtItsLineAfterTypingPauses)
         underlined = true;
     }
     EXPECT_TRUE(underlined);
-}
-
-TEST_F(WorkbenchTest, ScriptWithSyntaxErrorsDoesNotRunAndLogsWhereTheyAre)
-{
-    SetScript("Log(1)\nLog(\n");
-    RunToEnd();
-    EXPECT_TRUE(window.Verdict().text().startsWith("Fehlgeschlagen"));
-    EXPECT_EQ(window.LastReport()->exitCode, 2);
-    EXPECT_FALSE(LogRows().contains("1|1|Info"));
-}
-
-TEST_F(WorkbenchTest, VariablesViewShowsTheValuesTheRunLeft)
-{
-    window.SetProjectFolder(folder.path());
-    SetScript("var N : Number\nvar T : String\nvar A : Array of Number\nN := 6 * 7\nT := \"x\" + \"y\"\nA[2] := 5");
-    RunToEnd();
-    EXPECT_EQ(VariableValue("N"), "Number 42");
-    EXPECT_EQ(VariableValue("T"), "String xy");
-    EXPECT_EQ(VariableValue("A"), "Array of Number {0}{5}");
-    EXPECT_EQ(VariableValue("PROJEKTPFAD"), "String " + QDir::cleanPath(folder.path()));
-}
-
-TEST_F(WorkbenchTest, TextOutputAndTheLaborCommandsReachTheLaborWindow)
-{
-    SetScript("ShowLabor\nTextOut(Text := \"Hallo Labor\")");
-    RunToEnd();
-    EXPECT_TRUE(window.Labor().isVisible());
-    EXPECT_TRUE(window.Labor().Document().toPlainText().contains("Hallo Labor"));
-    const QString pdf = folder.filePath("labor.pdf");
-    ASSERT_TRUE(window.Labor().ExportPdf(pdf));
-    EXPECT_TRUE(ReadText(pdf).startsWith("%PDF"));
-    SetScript("HideLabor");
-    RunToEnd();
-    EXPECT_FALSE(window.Labor().isVisible());
 }
 
 TEST_F(WorkbenchTest, OlderLinesAreConvertedAsDvrunConvertsThemAfterThePreviewAndCancelKeepsThem)
@@ -426,24 +428,6 @@ TEST_F(WorkbenchTest, ReplaceAllIsOneUndoStepAndFindWrapsAround)
     EXPECT_EQ(bar.ReplaceAll(), 1);
 }
 
-TEST_F(WorkbenchTest, SavedScriptOpensAgainAndHeadsTheRecentFiles)
-{
-    const QString first = folder.filePath("eins.dvs");
-    const QString second = folder.filePath("zwei.dvs");
-    SetScript("Log(\"eins\")");
-    ASSERT_TRUE(window.SaveFile(first));
-    SetScript("Log(\"zwei\")");
-    ASSERT_TRUE(window.SaveFile(second));
-    EXPECT_FALSE(window.SaveFile(folder.filePath("fehlt/drei.dvs")));
-    ASSERT_TRUE(window.OpenFile(first));
-    EXPECT_EQ(window.Editor().toPlainText(), "Log(\"eins\")");
-    ASSERT_TRUE(window.OpenFile(second));
-    ASSERT_TRUE(window.OpenFile(first));
-    EXPECT_EQ(window.RecentFiles(), QStringList({first, second}));
-    EXPECT_FALSE(window.OpenFile(folder.filePath("fehlt.dvs")));
-    EXPECT_EQ(window.FileName(), first);
-}
-
 TEST(ScriptHighlighter, ColoursWhatTheTokenizerReads)
 {
     TScriptEditor editor;  // its highlighter
@@ -463,30 +447,6 @@ TEST(ScriptHighlighter, ColoursWhatTheTokenizerReads)
     EXPECT_EQ(styleAt(28).foreground().color(), TScriptHighlighter::Format(TTokenStyle::String).foreground().color());  // "a"
     EXPECT_EQ(styleAt(36).foreground().color(), TScriptHighlighter::Format(TTokenStyle::Comment).foreground().color());  // Ende
     EXPECT_NE(styleAt(6).foreground().color(), TScriptHighlighter::Format(TTokenStyle::Command).foreground().color());  // X
-}
-
-TEST(RunLog, HostLinesBecomeEntriesWithLevelAndLine)
-{
-    struct Case {
-        const char* hostLine;
-        int runningLine;
-        int line;
-        const char* message;
-        TLogLevel level;
-    };
-    const Case cases[] = {
-        {"LOG Spannung 5", 7, 7, "Spannung 5", TLogLevel::Info},
-        {"FEHLER a.dvs:12: Division durch 0", 3, 12, "a.dvs:12: Division durch 0", TLogLevel::Error},
-        {"PRÜFUNG FEHLGESCHLAGEN Zeile 4: zu klein", 9, 4, "PRÜFUNG FEHLGESCHLAGEN Zeile 4: zu klein", TLogLevel::Error},
-        {"WARN Datei fehlt", 2, 2, "Datei fehlt", TLogLevel::Warning},
-        {"STATUS bereit", 1, 1, "STATUS bereit", TLogLevel::Info},
-    };
-    for (const Case& c : cases) {
-        const TLogEntry e = MakeLogEntry(QString::fromUtf8(c.hostLine), c.runningLine);
-        EXPECT_EQ(e.line, c.line) << c.hostLine;
-        EXPECT_EQ(e.message, QString::fromUtf8(c.message)) << c.hostLine;
-        EXPECT_EQ(e.level, c.level) << c.hostLine;
-    }
 }
 
 }  // namespace

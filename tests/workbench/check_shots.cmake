@@ -1,0 +1,30 @@
+# Runs the picture program of docs/workbench.md into a fresh folder and checks that it wrote the
+# three pictures as PNG files, and that the window pictures have the size of those in docs/images
+# (the program fixes the window's size; a differing size means the pictures there are stale).
+#   cmake -DSHOTS=<dvworkbench-shots> -DOUT=<folder> -DDOCS=<docs/images> -P check_shots.cmake
+file(REMOVE_RECURSE "${OUT}")
+execute_process(COMMAND "${SHOTS}" "${OUT}" RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE output)
+if(NOT result EQUAL 0)
+  message(FATAL_ERROR "dvworkbench-shots ended with ${result}:\n${output}")
+endif()
+foreach(name workbench-main workbench-dialog workbench-run)
+  set(picture "${OUT}/${name}.png")
+  if(NOT EXISTS "${picture}")
+    message(FATAL_ERROR "${name}.png was not written:\n${output}")
+  endif()
+  file(READ "${picture}" head LIMIT 24 HEX)
+  string(SUBSTRING "${head}" 0 16 signature)
+  if(NOT signature STREQUAL "89504e470d0a1a0a")
+    message(FATAL_ERROR "${name}.png is no PNG file")
+  endif()
+  # Width and height: the first two numbers of the IHDR chunk, bytes 16 to 23.
+  string(SUBSTRING "${head}" 32 16 size)
+  if(NOT name STREQUAL "workbench-dialog")
+    file(READ "${DOCS}/${name}.png" docsHead LIMIT 24 HEX)
+    string(SUBSTRING "${docsHead}" 32 16 docsSize)
+    if(NOT size STREQUAL docsSize)
+      message(FATAL_ERROR "${name}.png is ${size} (hex), docs/images has ${docsSize}: render the pictures again")
+    endif()
+  endif()
+endforeach()
+file(REMOVE_RECURSE "${OUT}")
