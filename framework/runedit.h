@@ -88,6 +88,9 @@ public:
 
     // Procedure names of the older line form this command's DecodeScript reads.
     virtual QStringList OlderNames() const { return {}; }
+    // True when a statement is in this command's older form even though the current grammar
+    // reads it; the importer then decodes it. Commands whose older lines never parse keep false.
+    virtual bool IsOlderForm(const QString& /*statement*/) const { return false; }
 
     // Host helpers: AddDefaults adds each absent parameter that has a default with its default
     // text; EvaluateParams is the host's and does nothing here.

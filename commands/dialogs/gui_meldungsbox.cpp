@@ -51,12 +51,11 @@ const QString kButtonsParam = QStringLiteral("Buttons");
 const QString kXPos = QStringLiteral("XPos");
 const QString kYPos = QStringLiteral("YPos");
 
-// The result a headless answer gives, refused when the message offers no such button (an empty
-// set shows OK, as the message dialog does).
+// The result a headless answer gives, refused when the message offers no such button.
 int AnsweredResult(const QString& answer, int buttons)
 {
     const std::optional<int> result = ModalResultOfText(answer);
-    const int offered = buttons == 0 ? 4 : buttons;
+    const int offered = OfferedButtons(buttons);
     for (const TMsgDlgBtnRow& row : kButtons) {
         if (result && (offered & row.bit) && ButtonResultText(row.modalResult) == ButtonResultText(*result)) {
             return row.modalResult;
@@ -104,6 +103,8 @@ int ReadMessageButtons(const QString& text)
     }
     return buttons;
 }
+
+int OfferedButtons(int buttons) { return buttons == 0 ? kButtons[static_cast<std::size_t>(TMsgDlgBtn::OK)].bit : buttons; }
 
 QString MessageButtonsText(int buttons)
 {
@@ -164,6 +165,23 @@ bool TDVCmdMeldungsBox::DecodeScript(const QString& script, TParamList& params, 
     return true;
 }
 
+// An older line may hold nothing the current grammar rejects: "[mbOK]" alone reads as an array
+// literal. Its bracketed buttons and "@x:"/"@y:" outside string literals mark it all the same.
+bool TDVCmdMeldungsBox::IsOlderForm(const QString& statement) const
+{
+    QString outside;
+    bool quoted = false;
+    for (const QChar c : statement) {
+        if (c == '"') quoted = !quoted;
+        else if (!quoted) outside += c;
+    }
+    if (outside.contains(QLatin1String("@x:")) || outside.contains(QLatin1String("@y:"))) return true;
+    for (const TMsgDlgBtnRow& row : kButtons) {
+        if (row.value != TMsgDlgBtn::Abort && outside.contains('[' + QLatin1String(row.keyword) + ']')) return true;
+    }
+    return false;
+}
+
 QString TDVCmdMeldungsBox::GetDescription(const QString&, const TParamList& params)
 {
     SetParams(params);
@@ -178,6 +196,8 @@ TMessageRequest MessageRequest(const TDVCmdMeldungsBoxFields& f)
 void TDVCmdMeldungsBox::Run(TParamList& params)
 {
     SetParams(params);
+    // Before the message shows: an answer that cannot be kept would cost the person a click.
+    RequireTextVariable(QStringLiteral("MeldungsBox"), QStringLiteral("ButtonResult"), QStringLiteral("ButtonResult"));
     int result = 0;
     if (IDVOperatorDialogs* dialogs = OperatorDialogs()) {
         const TMessageRequest request = MessageRequest(fields_);
