@@ -333,7 +333,7 @@ TEST(FormUnpackTest, AFieldItsVariableCannotTakeWritesNothing)
     ASSERT_EQ(Show(host, root.filePath("f.html")), "");
     SetHeadlessAnswers({"FormResult=A=neu&B=abc&C=x"});
     TDVCmdFormResult result(&host);
-    TParamList params = MakeParams({{"Result", "R"}, {"Unpack", "True"}});
+    TParamList params = MakeParams({{"Result", "R"}, {"Unpack", "True"}, {"Timeout", "5000"}});
     const std::optional<QString> message = RaisedMessage([&] { result.RunThreaded(params); });
     SetHeadlessAnswers({});
     CloseShownForm();
