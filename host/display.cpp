@@ -2,6 +2,7 @@
 
 #include "framework/translate.h"
 
+#include <algorithm>
 #include <chrono>
 #include <future>
 #include <memory>
