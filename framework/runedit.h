@@ -95,6 +95,10 @@ public:
     // settings in params, rather than taking its characters: the importer then keeps an older
     // text that reads as an expression as it is written.
     virtual bool EvaluatesText(const TParamList& /*params*/, const QString& /*name*/) const { return false; }
+    // Whether an older line is certainly one even where the current grammar reads it with words
+    // the script does not declare ("[mbOK]" reads as an array literal): the importer decodes it
+    // instead of keeping it with a warning. Commands whose older lines never read keep false.
+    virtual bool IsOlderForm(const QString& /*statement*/) const { return false; }
 
     // Host helpers: AddDefaults adds each absent parameter that has a default with its default
     // text; EvaluateParams is the host's and does nothing here.

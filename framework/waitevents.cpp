@@ -21,7 +21,8 @@ TWaitResult WaitForEvents(std::initializer_list<TWaitFd> fds, const TRunControl*
     for (;;) {
         int wait = timeoutMs;
         if (timeoutMs >= 0) {
-            const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now()).count();
+            // Rounded up: poll's whole milliseconds must not end the wait before its time.
+            const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now()).count();
             wait = left > 0 ? static_cast<int>(left) : 0;
         }
         const int r = ::poll(polls.data(), polls.size(), wait);

@@ -1,6 +1,7 @@
 #include "host/cli.h"
 
 #include "commands/system/platform_process.h"
+#include "host/display.h"
 #include "framework/artifacts.h"
 #include "framework/forms/guiforms.h"
 #include "framework/headless.h"
@@ -60,15 +61,39 @@ std::optional<QString> ReadScript(const QString& path, QString& text, TTextEncod
     return std::nullopt;
 }
 
-bool HasDisplay() { return qEnvironmentVariableIsSet("DISPLAY") || qEnvironmentVariableIsSet("WAYLAND_DISPLAY"); }
+std::atomic<THost*> g_host{nullptr};  // while a script runs: Qt's own messages go through its output
 
-int Finish(const TRunReport& report, const TCliOptions& options)
+void QtMessageToHost(QtMsgType type, const QMessageLogContext& context, const QString& message)
 {
-    for (const QString& line : report.errors + report.failedChecks) PrintTo(stderr, line);
+    const QString line = qFormatLogMessage(type, context, message);
+    if (THost* host = g_host.load()) host->PrintLine(stderr, line);
+    else PrintTo(stderr, line);
+}
+
+int Finish(const TRunReport& report, const TCliOptions& options, THost& host)
+{
+    for (const QString& line : report.errors + report.failedChecks) host.PrintLine(stderr, line);
     if (!options.junit.isEmpty() && !WriteJUnitReport(options.junit, options.script, report, Artifacts())) {
-        PrintTo(stderr, Format(_("Der Bericht %s kann nicht geschrieben werden"), {options.junit}));
+        host.PrintLine(stderr, Format(_("Der Bericht %s kann nicht geschrieben werden"), {options.junit}));
     }
     return report.exitCode;
+}
+
+// The application object: a QApplication where windows or pictures are wanted, else a core one.
+// Operator dialogs are installed only where a person sees them (RegisterOperatorDialogs).
+std::unique_ptr<QCoreApplication> MakeApplication(int& argc, char** argv, const TCliOptions& options, bool needsDialog)
+{
+    const bool artifacts = !options.artifacts.isEmpty();
+    TDisplayChoice display;
+    if (needsDialog || artifacts) display = ChooseDisplay();
+    if (!display.warning.isEmpty()) PrintTo(stderr, QStringLiteral("dvrun: ") + display.warning);
+    if (!display.platform.isEmpty()) qputenv("QT_QPA_PLATFORM", display.platform);
+    // Pictures are drawn by the same widgets, offscreen when there is no display.
+    if (artifacts && !display.windows) qputenv("QT_QPA_PLATFORM", "offscreen");
+    if (!(needsDialog && display.windows) && !artifacts) return std::make_unique<QCoreApplication>(argc, argv);
+    auto app = std::make_unique<QApplication>(argc, argv);
+    RegisterForms();
+    return app;
 }
 
 int RunScript(int& argc, char** argv, const TCliOptions& options, const QString& text)
@@ -89,9 +114,11 @@ int RunScript(int& argc, char** argv, const TCliOptions& options, const QString&
     if (options.seed) host.SetRandomSeed(static_cast<quint64>(*options.seed));
     host.SetOutput([](const QString& line) { PrintTo(stdout, line); }, logLine);
     SystemLog.SetSink([&](const QString& level, const QString& line) {
-        PrintTo(stderr, level + QStringLiteral(": ") + line);
+        host.PrintLine(stderr, level + QStringLiteral(": ") + line);
         host.Log(level.toUpper() + ' ' + line);
     });
+    // A form's address is a line of the run's log like any other.
+    SetOperatorLineSink([&host](const QString& line) { host.WriteLog(line); });
     const QString folder = options.project.isEmpty() ? QFileInfo(options.script).absolutePath() : options.project;
     host.SetProjectFolder(QDir::cleanPath(QDir(folder).absolutePath()));
     SetProgramOutputFolder(QFileInfo(options.log.isEmpty() ? options.script : options.log).absolutePath());
@@ -107,25 +134,28 @@ int RunScript(int& argc, char** argv, const TCliOptions& options, const QString&
         if (!ok) break;
         ok = run.Define(d.section('=', 0, 0).trimmed(), d.section('=', 1));
     }
-    if (!ok) return Finish(run.Report(), options);
+    auto done = [&] {
+        SetOperatorLineSink({});
+        SystemLog.SetSink({});
+        return Finish(run.Report(), options, host);
+    };
+    if (!ok) return done();
 
-    // Pictures are drawn by the same widgets, offscreen when there is no display.
-    if (!options.artifacts.isEmpty() && !HasDisplay()) qputenv("QT_QPA_PLATFORM", "offscreen");
-    std::unique_ptr<QCoreApplication> app;
-    if ((run.NeedsDialog() && HasDisplay()) || !options.artifacts.isEmpty()) {
-        app = std::make_unique<QApplication>(argc, argv);
-        RegisterForms();
-    } else {
-        app = std::make_unique<QCoreApplication>(argc, argv);
-    }
+    const std::unique_ptr<QCoreApplication> app = MakeApplication(argc, argv, options, run.NeedsDialog());
     std::setlocale(LC_NUMERIC, "C");  // the application object takes the user's locale
     g_runControl = &host.GetRunControl();
+    g_host.store(&host);
+    qInstallMessageHandler(QtMessageToHost);
     for (int s : kStopSignals) std::signal(s, OnInterrupt);
     run.Run();
     for (int s : kStopSignals) std::signal(s, SIG_DFL);
+    for (const QString& procedure : UnaskedHeadlessAnswers()) {
+        SystemLog.Warn(Format(_("--answer %s: kein Befehl hat nach dieser Antwort gefragt"), {procedure}));
+    }
+    qInstallMessageHandler(nullptr);
+    g_host.store(nullptr);
     g_runControl = nullptr;
-    SystemLog.SetSink({});
-    return Finish(run.Report(), options);
+    return done();
 }
 
 }  // namespace
@@ -144,6 +174,7 @@ QString UsageText()
         "  --max-string N       höchstens N Zeichen je Text (Vorgabe 1000000000)\n"
         "  --seed N             Random liefert bei gleichem N dieselben Zahlen\n"
         "  --list               Befehlskatalog ausgeben (Prozedur und Signatur)\n"
+        "  --list --all         auch die Befehle, die in diesem Build nicht verfügbar sind\n"
         "  --list --builtins    die eingebauten Prozeduren und Funktionen ausgeben\n"
         "  --convert            Skript mit älteren Befehlszeilen in die aktuelle Form umschreiben\n"
         "  --help               diese Hilfe\n"
@@ -181,6 +212,7 @@ std::optional<QString> ParseOptions(const QStringList& args, TCliOptions& option
         if (a == "--help" || a == "-h") options.help = true;
         else if (a == "--list") options.list = true;
         else if (a == "--builtins") options.builtins = true;
+        else if (a == "--all") options.all = true;
         else if (a == "--convert") options.convert = true;
         else if (a == "--project") error = value(options.project);
         else if (a == "--junit") error = value(options.junit);
@@ -202,6 +234,7 @@ std::optional<QString> ParseOptions(const QStringList& args, TCliOptions& option
         else options.script = a;
         if (error) return error;
     }
+    if (options.all && !options.list) return _("--all gilt nur zusammen mit --list");
     if (!options.help && !options.list && options.script.isEmpty()) return _("Kein Skript angegeben");
     return std::nullopt;
 }
@@ -247,7 +280,7 @@ int RunDvrun(int& argc, char** argv)
         return 0;
     }
     if (options.list) {
-        std::fputs((options.builtins ? BuiltinListing() : CatalogueListing(false)).toUtf8().constData(), stdout);
+        std::fputs((options.builtins ? BuiltinListing() : CatalogueListing(options.all)).toUtf8().constData(), stdout);
         return 0;
     }
     // The script run reports its own errors; whatever still escapes ends the process with a

@@ -20,6 +20,7 @@ struct TCliOptions {
     QString artifacts;  // folder for pictures of comparisons; empty: none
     bool list = false;
     bool builtins = false;            // --list --builtins: the host's own procedures and functions
+    bool all = false;                 // --list --all: unavailable commands too
     bool convert = false;
     bool help = false;
     QString script;

@@ -104,6 +104,14 @@ void THost::Log(const QString& line)
     if (log_) log_(line);
 }
 
+void THost::PrintLine(std::FILE* stream, const QString& line)
+{
+    std::lock_guard lock(outputMutex_);
+    ClearStatusLine();
+    std::fputs((line + '\n').toUtf8().constData(), stream);
+    std::fflush(stream);
+}
+
 TValuePtr THost::Evaluate(const TExpr& expr, bool constant)
 {
     TExec constants;

@@ -8,6 +8,7 @@
 
 #include <QHash>
 
+#include <cstdio>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -55,7 +56,11 @@ public:
     bool StoppedByCommand() const { return stoppedByCommand_; }
     bool LaborVisible() const { return laborVisible_; }
     const QString& StatusText() const { return statusText_; }
+    // A line of the log file only.
     void Log(const QString& line);
+    // A line of the run that is not the script's output (errors, warnings) on stream: the live
+    // status line goes first.
+    void PrintLine(std::FILE* stream, const QString& line);
 
     // IDVGetParser
     TDVParser* GetParser() override { return this; }

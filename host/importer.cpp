@@ -214,8 +214,9 @@ TDVThreadRunEdit* TDVScriptImporter::CommandFor(const QString& statement) const
 
 // Current lines are never decoded. A call is older only when the current grammar cannot read it
 // with the names the script declares, it stands on one line in the command's older form, and it
-// does not read even when every word in it is taken as a variable; or when it reads but gives an
-// array variable to a var parameter of another kind, as the older ArrayToStr(Array, String) does.
+// does not read even when every word in it is taken as a variable, unless the command knows it for
+// certain as older (IsOlderForm); or when it reads but gives an array variable to a var parameter
+// of another kind, as the older ArrayToStr(Array, String) does.
 // A call that reads only with words the script does not declare may be an older line or a
 // current one with a misspelt name: it is kept, with a warning.
 qsizetype TDVScriptImporter::Examine(QStringList& lines, qsizetype first, qsizetype count, TDVThreadRunEdit& command)
@@ -229,7 +230,7 @@ qsizetype TDVScriptImporter::Examine(QStringList& lines, qsizetype first, qsizet
         if (older && VarKindsClash(line, command)) Rewrite(lines, first, command);
         return count;
     }
-    if (older && !Reads(line, false)) {
+    if (older && (!Reads(line, false) || command.IsOlderForm(line))) {
         Rewrite(lines, first, command);
         return 1;
     }

@@ -3,6 +3,7 @@
 #include "commands/dialogs/operatordialogs.h"
 #include "framework/dvtools.h"
 #include "framework/exceptions.h"
+#include "framework/headless.h"
 #include "framework/intconvert.h"
 #include "framework/parser.h"
 #include "framework/services.h"
@@ -10,8 +11,8 @@
 #include "framework/systemlog.h"
 #include "framework/translate.h"
 
-#include <cstdio>
 #include <mutex>
+#include <vector>
 
 namespace dv {
 
@@ -21,6 +22,7 @@ std::mutex g_formMutex;
 std::shared_ptr<THtmlForm> g_shownForm;
 bool g_browserOpen = false;
 
+const QString kFormResult = QStringLiteral("FormResult");
 const QString kFile = QStringLiteral("File");
 const QString kFullscreen = QStringLiteral("Fullscreen");
 const QString kClose = QStringLiteral("Close");
@@ -28,22 +30,51 @@ const QString kTimeout = QStringLiteral("Timeout");
 const QString kResult = QStringLiteral("Result");
 const QString kUnpack = QStringLiteral("Unpack");
 
-// Without a display the URL is the operator's way in: any browser or tool can answer it.
-void PrintUrl(const QString& url)
+// The time-out in milliseconds, negative for none; an empty text is none.
+int ReadTimeout(const QString& text)
 {
-    std::fputs(QStringLiteral("FormShow: %1\n").arg(url).toUtf8().constData(), stdout);
-    std::fflush(stdout);
+    if (text.trimmed().isEmpty()) return -1;
+    const std::optional<std::int32_t> timeout = TryStrToInt(text.trimmed());
+    if (!timeout) {
+        throw TDravikException(Format(_("FormResult: Timeout \"%s\" ist keine ganze Zahl von Millisekunden (-1: ohne Grenze)"),
+                                      {text}));
+    }
+    return *timeout;
 }
 
-// Each submitted field into the declared variable of its name; the names of all fields.
+// Each submitted field into the declared variable of its name; the names of all fields. A field
+// that its variable cannot take fails the call before any variable is written.
 QString Unpack(const TFormFields& fields)
 {
     QStringList names;
-    for (const auto& [name, value] : fields) {
-        names << name;
-        if (VarAccess().FindVariable(name)) VarAccess().SetVariable(name, std::make_unique<TStringValue>(value));
+    std::vector<std::pair<QString, TValuePtr>> previous;  // to put back on failure
+    try {
+        for (const auto& [name, value] : fields) {
+            names << name;
+            TDVVariable* variable = VarAccess().FindVariable(name);
+            if (!variable) continue;
+            previous.emplace_back(name, variable->GetValue().Clone());
+            VarAccess().SetVariable(name, std::make_unique<TStringValue>(value));
+        }
+    } catch (const TDravikException& e) {
+        if (previous.empty()) throw;
+        const QString field = previous.back().first;
+        for (auto it = previous.rbegin(); it != previous.rend(); ++it) VarAccess().SetVariable(it->first, std::move(it->second));
+        throw TDVRuntimeException(Format(_("FormResult: Unpack: das Feld \"%s\" passt nicht in die Variable %s: %s"),
+                                         {field, field, e.Message()}));
     }
     return names.join(',');
+}
+
+// The headless answer "name=value&..." stands for a submission.
+std::optional<TFormFields> AnsweredFields(int timeout)
+{
+    if (timeout >= 0) {
+        if (std::optional<QString> answer = TakeHeadlessAnswer(kFormResult)) return ParseFormFields(answer->toUtf8());
+        return std::nullopt;
+    }
+    // Without a time limit nothing could end a wait for a submission that nobody is told to send.
+    return ParseFormFields(RequiredHeadlessAnswer(kFormResult, QStringLiteral("Name=Wert&...")).toUtf8());
 }
 
 }  // namespace
@@ -80,9 +111,14 @@ void TDVCmdFormShow::Run(TParamList& params)
     CloseShownForm();
     IDVOperatorDialogs* dialogs = OperatorDialogs();
     if (dialogs) {
-        Synchronize([&] { dialogs->OpenBrowser(form->Token(), form->Url(), fullscreen); });
+        const std::weak_ptr<THtmlForm> shown = form;
+        auto closed = [shown] {
+            if (const std::shared_ptr<THtmlForm> f = shown.lock()) f->WindowClosed();
+        };
+        Synchronize([&] { dialogs->OpenBrowser(form->Token(), form->Url(), fullscreen, closed); });
     } else {
-        PrintUrl(form->Url());
+        // Without a window the address is the operator's way in: any browser or tool can answer it.
+        WriteOperatorLine(QStringLiteral("FormShow: ") + form->Url());
     }
     std::lock_guard lock(g_formMutex);
     g_shownForm = std::move(form);
@@ -95,23 +131,29 @@ void TDVCmdFormResult::RunThreaded(TParamList& params)
 {
     SetParams(params);
     const bool close = StrToBoolEx(BoundField(kClose), true);
-    const QString timeoutText = BoundField(kTimeout).trimmed();
-    const int timeout = timeoutText.isEmpty() ? -1 : StrToInt(timeoutText);
+    const int timeout = ReadTimeout(BoundField(kTimeout));
     const QString result = BoundField(kResult).trimmed();
     const bool unpack = StrToBoolEx(BoundField(kUnpack), false);
-    if (!result.isEmpty() && !VarAccess().FindVariable(result)) {
-        throw TDVRuntimeException(Format(_("Der Bezeichner \"%s\" wurde nicht als Variable deklariert!"), {result}));
-    }
+    if (!result.isEmpty()) RequireTextVariable(kFormResult, kResult, result);
     const std::shared_ptr<THtmlForm> form = ShownForm();
     if (!form) throw TDravikException(_("FormResult: es wird kein Formular gezeigt; zuerst FormShow aufrufen"));
 
     TFormFields fields;
-    const TFormWait outcome = form->WaitForSubmission(&TestEnvironment().GetRunControl(), timeout, fields);
+    TFormWait outcome = TFormWait::Submitted;
+    std::optional<TFormFields> answered;
+    if (!OperatorDialogs()) answered = AnsweredFields(timeout);
+    if (answered) {
+        fields = std::move(*answered);
+    } else {
+        outcome = form->WaitForSubmission(&TestEnvironment().GetRunControl(), timeout, fields);
+    }
     if (close) CloseShownForm();
     if (outcome == TFormWait::Stopped) return;
     QString text;
     if (outcome == TFormWait::TimedOut) {
         SystemLog.Warn(Format(_("FormResult: keine Eingabe innerhalb von %s ms"), {QString::number(timeout)}));
+    } else if (outcome == TFormWait::WindowClosed) {
+        SystemLog.Warn(_("FormResult: das Formularfenster wurde ohne Eingabe geschlossen"));
     } else {
         text = unpack ? Unpack(fields) : EncodeFormFields(fields);
     }

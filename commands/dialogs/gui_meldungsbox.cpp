@@ -54,12 +54,11 @@ const QString kButtonsParam = QStringLiteral("Buttons");
 const QString kXPos = QStringLiteral("XPos");
 const QString kYPos = QStringLiteral("YPos");
 
-// The result a headless answer gives, refused when the message offers no such button (an empty
-// set shows OK, as the message dialog does).
+// The result a headless answer gives, refused when the message offers no such button.
 int AnsweredResult(const QString& answer, int buttons)
 {
     const std::optional<int> result = ModalResultOfText(answer);
-    const int offered = buttons == 0 ? 4 : buttons;
+    const int offered = OfferedButtons(buttons);
     for (const TMsgDlgBtnRow& row : kButtons) {
         if (result && (offered & row.bit) && ButtonResultText(row.modalResult) == ButtonResultText(*result)) {
             return row.modalResult;
@@ -108,6 +107,8 @@ int ReadMessageButtons(const QString& text)
     return buttons;
 }
 
+int OfferedButtons(int buttons) { return buttons == 0 ? kButtons[static_cast<std::size_t>(TMsgDlgBtn::OK)].bit : buttons; }
+
 QString MessageButtonsText(int buttons)
 {
     QStringList keywords;
@@ -154,14 +155,13 @@ void TDVCmdMeldungsBox::ReadParams(TParamList& params)
 bool TDVCmdMeldungsBox::IsOlderLine(const QString& line) const
 {
     if (!BeginsWithCall(line, OlderNames())) return false;
+    if (IsOlderForm(line)) return true;
     const QString outside = OutsideStrings(line);
-    bool older = ContainsAny(outside, {"@x:", "@y:"});
-    for (const TMsgDlgBtnRow& row : kButtons) older = older || outside.contains('[' + QLatin1String(row.keyword) + ']');
     for (const TMsgDlgTypeRow& row : kTypes) {
         const QRegularExpression word(QStringLiteral("\\b%1\\b").arg(QLatin1String(row.keyword)));
-        older = older || word.match(outside).hasMatch();
+        if (word.match(outside).hasMatch()) return true;
     }
-    return older;
+    return false;
 }
 
 bool TDVCmdMeldungsBox::DecodeScript(const QString& script, TParamList& params, TDVScriptImporter*)
@@ -181,6 +181,18 @@ bool TDVCmdMeldungsBox::DecodeScript(const QString& script, TParamList& params, 
     return true;
 }
 
+// An older line may hold nothing the current grammar rejects: "[mbOK]" alone reads as an array
+// literal. Its bracketed buttons and "@x:"/"@y:" outside string literals mark it all the same.
+bool TDVCmdMeldungsBox::IsOlderForm(const QString& statement) const
+{
+    const QString outside = OutsideStrings(statement);
+    if (ContainsAny(outside, {"@x:", "@y:"})) return true;
+    for (const TMsgDlgBtnRow& row : kButtons) {
+        if (row.value != TMsgDlgBtn::Abort && outside.contains('[' + QLatin1String(row.keyword) + ']')) return true;
+    }
+    return false;
+}
+
 QString TDVCmdMeldungsBox::GetDescription(const QString&, const TParamList& params)
 {
     SetParams(params);
@@ -195,6 +207,8 @@ TMessageRequest MessageRequest(const TDVCmdMeldungsBoxFields& f)
 void TDVCmdMeldungsBox::Run(TParamList& params)
 {
     SetParams(params);
+    // Before the message shows: an answer that cannot be kept would cost the person a click.
+    RequireTextVariable(QStringLiteral("MeldungsBox"), QStringLiteral("ButtonResult"), QStringLiteral("ButtonResult"));
     int result = 0;
     if (IDVOperatorDialogs* dialogs = OperatorDialogs()) {
         const TMessageRequest request = MessageRequest(fields_);

@@ -46,6 +46,9 @@ std::optional<int> ModalResultOfText(const QString& text);
 int ReadMessageType(const QString& text, int previous);
 // The button set a text names: a row's bit for its keyword or its single character anywhere.
 int ReadMessageButtons(const QString& text);
+// The buttons a message with this set shows: an empty set shows OK, as the standard message dialog
+// does, with and without a GUI.
+int OfferedButtons(int buttons);
 // The keywords of a set joined by " + ", in table order; Abort is never written.
 QString MessageButtonsText(int buttons);
 // The top-left pixel of a message placed at x and y percent of the screen.
@@ -70,6 +73,7 @@ public:
     bool DecodeScript(const QString& script, TParamList& params, TDVScriptImporter* importer) override;
     QStringList OlderNames() const override { return {QStringLiteral("MeldungsBox")}; }
     bool IsOlderLine(const QString& line) const override;
+    bool IsOlderForm(const QString& statement) const override;
     QString GetDescription(const QString& name, const TParamList& params) override;
     void Run(TParamList& params) override;
 };

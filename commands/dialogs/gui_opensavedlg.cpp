@@ -20,7 +20,15 @@ const QString kInitDir = QStringLiteral("InitDir");
 const QString kCaption = QStringLiteral("Caption");
 const QString kExtension = QStringLiteral("Extension");
 
-QString Quoted(const QString& text) { return '"' + text + '"'; }
+// A field as script text: what the host's parser reads as an expression (a string literal, a
+// variable, PROJEKTPFAD + "/daten") stays as it is, so that an edit never changes what a line
+// means; anything else is text as typed and becomes a string literal.
+QString ScriptText(const QString& field)
+{
+    TDVParser* parser = CurrentParser();
+    if (!field.trimmed().isEmpty() && parser && parser->ParseSingleExpression(field)) return field;
+    return '"' + QString(field).replace('"', QStringLiteral("\"\"")) + '"';
+}
 
 // The person's choice: nullopt when cancelled.
 std::optional<QString> Choose(const TFileRequest& request)
@@ -50,18 +58,18 @@ void TDVCmdOpenSave::SetParams(const TParamList& params)
 {
     fields_.openDialog = StrToBoolEx(params.GetString(kOpenDlg), true);
     fields_.fileName = params.GetString(kFileName).trimmed();
-    fields_.initDir = StripQuotes(params.GetString(kInitDir));
-    fields_.caption = StripQuotes(params.GetString(kCaption));
-    fields_.extension = StripQuotes(params.GetString(kExtension));
+    fields_.initDir = params.GetString(kInitDir);
+    fields_.caption = params.GetString(kCaption);
+    fields_.extension = params.GetString(kExtension);
 }
 
 void TDVCmdOpenSave::ReadParams(TParamList& params)
 {
     params.AddString(kOpenDlg, fields_.openDialog ? QStringLiteral("True") : QStringLiteral("False"));
     params.AddString(kFileName, fields_.fileName);
-    params.AddString(kInitDir, Quoted(fields_.initDir));
-    params.AddString(kCaption, Quoted(fields_.caption));
-    params.AddString(kExtension, Quoted(fields_.extension));
+    params.AddString(kInitDir, ScriptText(fields_.initDir));
+    params.AddString(kCaption, ScriptText(fields_.caption));
+    params.AddString(kExtension, ScriptText(fields_.extension));
 }
 
 // OpenSaveDlg(OPEN_DIALOG,[FILE:Datei][DIR:c:\daten][CAP:Titel][EXT:csv]);
@@ -94,9 +102,7 @@ void TDVCmdOpenSave::Run(TParamList& params)
     SetParams(params);
     const QString variable = fields_.fileName;
     // Checked before the dialog shows, so that a misspelt name never costs the person a choice.
-    if (!variable.isEmpty() && !VarAccess().FindVariable(variable)) {
-        throw TDVRuntimeException(Format(_("Der Bezeichner \"%s\" wurde nicht als Variable deklariert!"), {variable}));
-    }
+    if (!variable.isEmpty()) RequireTextVariable(QStringLiteral("OpenSaveDlg"), kFileName, variable);
     TFileRequest request;
     request.open = fields_.openDialog;
     request.caption = fields_.caption;

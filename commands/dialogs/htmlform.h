@@ -19,7 +19,7 @@ class TFormHttpServer;
 
 using TFormFields = QList<QPair<QString, QString>>;  // name, value; in the order submitted
 
-enum class TFormWait { Submitted, TimedOut, Stopped };
+enum class TFormWait { Submitted, TimedOut, Stopped, WindowClosed };
 
 class THtmlForm {
 public:
@@ -33,23 +33,28 @@ public:
     QString Url() const { return url_; }
     const QString& Token() const { return token_; }
 
-    // Waits for the next submission, the stop event or timeoutMs (negative: no limit), whichever
-    // comes first; a submission's fields go into fields.
+    // Waits for the next submission, the stop event, timeoutMs (negative: no limit) or the end of
+    // the form's window, whichever comes first; a submission's fields go into fields. Submissions
+    // that arrived before the window ended are still taken.
     TFormWait WaitForSubmission(const TRunControl* stop, int timeoutMs, TFormFields& fields);
 
     // Called on the server's thread.
     void Submit(TFormFields fields);
+    // The window showing the form has ended before FormResult was answered; any thread.
+    void WindowClosed();
 
     static constexpr qsizetype kBodyLimit = 1024 * 1024;
 
 private:
     void Shutdown();
+    void Wake();
 
     QString url_;
     QString token_;
     int signal_;  // eventfd, readable while submissions wait
     std::mutex mutex_;
     std::deque<TFormFields> submissions_;
+    bool windowClosed_ = false;
     QThread* thread_ = nullptr;
     TFormHttpServer* server_;  // lives on thread_
 };

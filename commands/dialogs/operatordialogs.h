@@ -4,6 +4,7 @@
 // display; without them each command takes its headless answer (dvrun --answer) or fails saying so.
 #include <QString>
 
+#include <functional>
 #include <optional>
 
 namespace dv {
@@ -33,15 +34,23 @@ public:
     virtual int ShowMessage(const TMessageRequest& request) = 0;
     // The confirmed path, or nullopt when the person cancelled.
     virtual std::optional<QString> ChooseFile(const TFileRequest& request) = 0;
-    // Opens url in a browser window of our own, identified by formId; closes it again.
-    virtual void OpenBrowser(const QString& formId, const QString& url, bool fullscreen) = 0;
+    // Opens url in a browser window of our own, identified by formId; closes it again. closed runs
+    // on the GUI thread when the window ends by itself (the person closed it, the browser failed),
+    // never after CloseBrowser.
+    virtual void OpenBrowser(const QString& formId, const QString& url, bool fullscreen,
+                             std::function<void()> closed) = 0;
     virtual void CloseBrowser(const QString& formId) = 0;
 };
 
-// Installed by the dialog layer (nullptr removes them). Calls reach them on the GUI thread.
+// Installed by the dialog layer when the host shows windows to a person (nullptr removes them).
+// Calls reach them on the GUI thread.
 void SetOperatorDialogs(IDVOperatorDialogs* dialogs);
 // The installed dialogs when a GUI can show them, else nullptr.
 IDVOperatorDialogs* OperatorDialogs();
+
+// Checks before anything is shown that name is a declared variable that takes text (String or
+// Misc), as parameter of procedure needs it; raises TDVRuntimeException naming both otherwise.
+void RequireTextVariable(const QString& procedure, const QString& parameter, const QString& name);
 
 // The headless answer for procedure; raises TDravikException naming "dvrun --answer" and an
 // example when there is none, so that a run without a GUI never waits for a window.

@@ -2,6 +2,7 @@
 
 #include "commands/dialogs/gui_meldungsbox.h"
 #include "framework/exceptions.h"
+#include "framework/headless.h"
 #include "framework/translate.h"
 
 #include <QAbstractButton>
@@ -40,9 +41,10 @@ int TOperatorDialogs::ShowMessage(const TMessageRequest& request)
     QMessageBox box(kIcons.at(type), _(MessageTypes()[type].caption), request.text);
     box.setObjectName(QStringLiteral("MeldungsBox"));
     std::map<QAbstractButton*, int> results;
+    const int offered = OfferedButtons(request.buttons);
     for (std::size_t i = 0; i < kStandardButtons.size(); ++i) {
         const TMsgDlgBtnRow& row = MessageButtons()[i];
-        if (!(request.buttons & row.bit)) continue;
+        if (!(offered & row.bit)) continue;
         QAbstractButton* button = box.addButton(kStandardButtons[i]);
         button->setText(_(row.caption));
         button->setObjectName(QLatin1String(row.keyword));
@@ -70,7 +72,7 @@ std::optional<QString> TOperatorDialogs::ChooseFile(const TFileRequest& request)
     return dialog.selectedFiles().front();
 }
 
-void TOperatorDialogs::OpenBrowser(const QString& formId, const QString& url, bool fullscreen)
+void TOperatorDialogs::OpenBrowser(const QString& formId, const QString& url, bool fullscreen, std::function<void()> closed)
 {
     QString program = QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral("dvformbrowser"));
     if (!QFileInfo(program).isExecutable()) program = QStandardPaths::findExecutable(QStringLiteral("dvformbrowser"));
@@ -84,6 +86,7 @@ void TOperatorDialogs::OpenBrowser(const QString& formId, const QString& url, bo
         throw TDravikException(Format(_("FormShow: das Formularfenster dvformbrowser kann nicht gestartet werden; "
                                         "das Formular steht unter %s"), {url}));
     }
+    QObject::connect(browser.get(), &QProcess::finished, browser.get(), [closed = std::move(closed)] { closed(); });
     browsers_[formId] = std::move(browser);
 }
 
@@ -91,6 +94,7 @@ void TOperatorDialogs::CloseBrowser(const QString& formId)
 {
     const auto it = browsers_.find(formId);
     if (it == browsers_.end()) return;
+    it->second->disconnect();  // an end we ask for is no closed window
     it->second->terminate();
     if (!it->second->waitForFinished(1000)) it->second->kill();
     browsers_.erase(it);
@@ -103,6 +107,7 @@ void TOperatorDialogs::CloseAllBrowsers()
 
 void RegisterOperatorDialogs()
 {
+    if (!ShowsWindows()) return;
     // Never destroyed; browsers still open when the application ends are closed with it.
     static auto* dialogs = new TOperatorDialogs;
     SetOperatorDialogs(dialogs);

@@ -17,7 +17,7 @@ public:
 
     int ShowMessage(const TMessageRequest& request) override;
     std::optional<QString> ChooseFile(const TFileRequest& request) override;
-    void OpenBrowser(const QString& formId, const QString& url, bool fullscreen) override;
+    void OpenBrowser(const QString& formId, const QString& url, bool fullscreen, std::function<void()> closed) override;
     void CloseBrowser(const QString& formId) override;
     void CloseAllBrowsers();
 
@@ -25,7 +25,9 @@ private:
     std::map<QString, std::unique_ptr<QProcess>> browsers_;  // dvformbrowser per form
 };
 
-// Installs one TOperatorDialogs for the life of the application.
+// Installs one TOperatorDialogs for the life of the application when it shows windows to a person.
+// An offscreen application (pictures only) stays headless: a modal dialog there would wait for a
+// click that nobody can give.
 void RegisterOperatorDialogs();
 
 }  // namespace dv

@@ -5,15 +5,19 @@
 #include <gtest/gtest.h>
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QThread>
 
-#include <sys/stat.h>
-
 #include <chrono>
 #include <csignal>
+#include <poll.h>
+#include <pty.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace {
 
@@ -36,15 +40,35 @@ protected:
         f.write(bytes);
         return path;
     }
-    void Start(QProcess& p, const QStringList& args)
+    void Start(QProcess& p, const QStringList& args, const QStringList& environment = {})
     {
         p.setProgram(DV_BINARY_DIR "/host/dvrun");
         p.setArguments(args);
         QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
         env.remove("DISPLAY");
         env.remove("WAYLAND_DISPLAY");
+        for (const QString& e : environment) env.insert(e.section('=', 0, 0), e.section('=', 1));
         p.setProcessEnvironment(env);
         p.start();
+    }
+    // As a person starts it: no platform chosen for Qt, environment added; a run still going after
+    // limitMs is killed and reported with exit code -1, so that a hang fails instead of blocking.
+    TRun RunLimited(const QStringList& args, const QStringList& environment, int limitMs = 20000)
+    {
+        QProcess p;
+        p.setProgram(DV_BINARY_DIR "/host/dvrun");
+        p.setArguments(args);
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) env.remove(name);
+        for (const QString& e : environment) env.insert(e.section('=', 0, 0), e.section('=', 1));
+        p.setProcessEnvironment(env);
+        p.start();
+        if (!p.waitForFinished(limitMs)) {
+            p.kill();
+            p.waitForFinished(5000);
+            return {-1, QString::fromUtf8(p.readAllStandardOutput()), QString::fromUtf8(p.readAllStandardError()), true, {}};
+        }
+        return Finished(p);
     }
     TRun Finished(QProcess& p)
     {
@@ -474,3 +498,136 @@ TEST_F(Dvrun, ConvertKeepsTheEncodingOfTheScript)
 }
 
 }  // namespace
+
+namespace {
+
+// An X display number that no server on this machine listens on.
+QString AbsentDisplay()
+{
+    int n = 99;
+    while (QFileInfo::exists(QStringLiteral("/tmp/.X11-unix/X%1").arg(n))) ++n;
+    return QStringLiteral(":%1").arg(n);
+}
+
+// A script's stdout and stderr on one terminal, as a person sees them: everything the run wrote.
+QByteArray RunOnTerminal(const QStringList& args, int limitMs = 20000)
+{
+    std::vector<QByteArray> bytes{DV_BINARY_DIR "/host/dvrun"};
+    for (const QString& a : args) bytes.push_back(a.toLocal8Bit());
+    std::vector<char*> argv;
+    for (QByteArray& b : bytes) argv.push_back(b.data());
+    argv.push_back(nullptr);
+    int master = -1;
+    const pid_t child = ::forkpty(&master, nullptr, nullptr, nullptr);
+    if (child == 0) {
+        ::unsetenv("DISPLAY");
+        ::unsetenv("WAYLAND_DISPLAY");
+        ::execv(argv[0], argv.data());
+        ::_exit(127);
+    }
+    QByteArray out;
+    QElapsedTimer timer;
+    timer.start();
+    char buffer[4096];
+    for (;;) {
+        pollfd p{master, POLLIN, 0};
+        const int left = limitMs - static_cast<int>(timer.elapsed());
+        if (left <= 0 || ::poll(&p, 1, left) <= 0) {
+            ::kill(child, SIGKILL);
+            out += "\n<<< time limit >>>";
+            break;
+        }
+        const ssize_t n = ::read(master, buffer, sizeof buffer);
+        if (n <= 0) break;  // EIO once the run has ended
+        out.append(buffer, n);
+    }
+    ::close(master);
+    ::waitpid(child, nullptr, 0);
+    return out;
+}
+
+}  // namespace
+
+// Operator dialogs are shown only where a person sees them: a run that draws its pictures
+// offscreen, or whose display does not answer, takes its --answer or fails naming the option,
+// and never waits for a window nobody can see.
+TEST_F(Dvrun, OperatorCommandsWithoutAVisibleDisplayTakeTheirAnswers)
+{
+    const QString mb = Script("mb.dvs", "var ButtonResult : String;\n"
+                                        "MeldungsBox(Position := True, Text := \"Frage?\", Type := \"mtConfirmation\", "
+                                        "Buttons := \"mbYes + mbNo\", XPos := 0, YPos := 0);\nLog(\"BR=\" + ButtonResult);\n");
+    const QString os = Script("os.dvs", "var Datei : String;\nOpenSaveDlg(OpenDlg := False, FileName := Datei, "
+                                        "InitDir := PROJEKTPFAD, Caption := \"Bericht\", Extension := \"csv\");\nLog(Datei);\n");
+    const QString art = dir.filePath("bilder"), display = "DISPLAY=" + AbsentDisplay();
+    const QString unreachable = "Die Anzeige " + display + " antwortet nicht";
+    const struct {
+        QStringList args;
+        QStringList environment;
+        int exitCode;
+        const char* out;
+        QString err;
+    } cases[] = {
+        {{mb, "--artifacts", art, "--answer", "MeldungsBox=JA"}, {}, 0, "BR=JA\n", ""},
+        {{mb, "--artifacts", art}, {}, 1, "", "dvrun --answer MeldungsBox="},
+        {{os, "--artifacts", art, "--answer", "OpenSaveDlg=/tmp/bericht"}, {}, 0, "/tmp/bericht.csv\n", ""},
+        {{mb, "--answer", "MeldungsBox=NEIN"}, {display}, 0, "BR=NEIN\n", unreachable},
+        {{mb, "--artifacts", art, "--answer", "MeldungsBox=JA"}, {display}, 0, "BR=JA\n", unreachable},
+        {{mb}, {display}, 1, "", "dvrun --answer MeldungsBox="},
+    };
+    for (const auto& c : cases) {
+        const TRun r = RunLimited(c.args, c.environment);
+        const std::string what = (c.args.mid(1).join(' ') + " " + c.environment.join(' ')).toStdString();
+        EXPECT_EQ(r.exitCode, c.exitCode) << what << "\n" << r.err.toStdString();
+        EXPECT_EQ(r.out, c.out) << what;
+        EXPECT_TRUE(r.err.contains(c.err)) << what << "\n" << r.err.toStdString();
+    }
+}
+
+// On a terminal the status text stands in a line of its own until the next output: whatever comes
+// next (a form's address, a warning, an error) first clears it. The address is in the log too.
+TEST_F(Dvrun, EveryLineAfterAStatusTextClearsItFirst)
+{
+    Script("f.html", "<form method=post></form>");
+    const QString log = dir.filePath("lauf.log");
+    const QString script = Script("st.dvs", "var R : String;\nvar X : Number;\n"
+                                            "StatusText(Text := \"Eins\");\nFormShow(File := PROJEKTPFAD + \"/f.html\");\n"
+                                            "StatusText(Text := \"Zwei\");\nFormResult(Timeout := 10, Result := R);\n"
+                                            "StatusText(Text := \"Drei\");\nLog(\"vier\");\n"
+                                            "StatusText(Text := \"Fünf\");\nX := 1 / X;\n");
+    const QByteArray out = RunOnTerminal({script, "--log", log});
+    const QByteArray clear = "\r\033[K";
+    const struct {
+        const char* status;
+        const char* next;
+    } cases[] = {{"Eins", "FormShow: http://127.0.0.1:"}, {"Zwei", "WARN: FormResult: keine Eingabe"},
+                 {"Drei", "vier"}, {"F\xc3\xbcnf", "st.dvs:10: Division durch Null"}};
+    for (const auto& c : cases) {
+        const qsizetype at = out.indexOf(clear + c.status);
+        ASSERT_GE(at, 0) << c.status << "\n" << out.toStdString();
+        const QByteArray after = out.mid(at + clear.size() + qstrlen(c.status));
+        EXPECT_TRUE(after.startsWith(clear)) << c.status << " is followed by: " << after.left(60).toStdString();
+        EXPECT_TRUE(after.contains(c.next)) << c.status;
+    }
+    QFile l(log);
+    ASSERT_TRUE(l.open(QIODevice::ReadOnly));
+    const QString logged = QString::fromUtf8(l.readAll());
+    EXPECT_TRUE(logged.contains("LOG FormShow: http://127.0.0.1:")) << logged.toStdString();
+    EXPECT_TRUE(logged.contains("STATUS Zwei\nWARN FormResult: keine Eingabe innerhalb von 10 ms")) << logged.toStdString();
+}
+
+TEST_F(Dvrun, ListAllAndAnswersThatNoCommandAskedFor)
+{
+    const TRun list = Run({"--list"}), all = Run({"--list", "--all"});
+    EXPECT_EQ(all.exitCode, 0) << all.err.toStdString();
+    for (const char* procedure : {"MeldungsBox\t", "StatusText\t", "OpenSaveDlg\t", "FormShow\t", "FormResult\t"}) {
+        EXPECT_TRUE(all.out.contains(QString("\n") + procedure)) << procedure;
+    }
+    for (const QString& line : list.out.split('\n')) EXPECT_TRUE(all.out.contains(line)) << line.toStdString();
+    EXPECT_EQ(Run({"--all", Script("s.dvs", "")}).exitCode, 2);
+    EXPECT_TRUE(Run({"--help"}).out.contains("--list --all"));
+
+    const TRun r = Run({Script("s.dvs", "Log(1)"), "--answer", "FormResult=A=1", "--answer", "MeldungsBox=JA"});
+    EXPECT_EQ(r.exitCode, 0);
+    EXPECT_TRUE(r.err.contains("--answer FormResult: kein Befehl hat nach dieser Antwort gefragt")) << r.err.toStdString();
+    EXPECT_TRUE(r.err.contains("--answer MeldungsBox: kein Befehl")) << r.err.toStdString();
+}

@@ -115,7 +115,6 @@ TEST(Importer, CallsThatAreNoOlderLinesAreKeptWithAWarning)
         {"HexToInt(FF);", ""},  // an older name without the older form's markers
         {"StrToArray(Hallo, A);", "\"Hallo\" wurde nicht als Variable deklariert"},
         {"ArrayToStr(A, B);", "\"B\" wurde nicht als Variable deklariert"},
-        {"MeldungsBox(\"Achtung\",mtError,[mbYes]);", "wurde nicht als Variable deklariert"},
     };
     for (const auto& r : rows) {
         THost host;

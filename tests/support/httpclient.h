@@ -6,6 +6,7 @@
 #include <arpa/inet.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
+#include <sys/time.h>
 #include <unistd.h>
 
 namespace dv::test {
@@ -15,10 +16,12 @@ struct THttpReply {
     QByteArray body;
 };
 
-// Sends one request to 127.0.0.1:port; status 0 when nothing answered.
-inline THttpReply Http(int port, const QByteArray& request)
+// Sends one request to 127.0.0.1:port; status 0 when nothing answered within waitSeconds.
+inline THttpReply Http(int port, const QByteArray& request, int waitSeconds = 20)
 {
     const int fd = ::socket(AF_INET, SOCK_STREAM, 0);
+    const timeval wait{waitSeconds, 0};
+    ::setsockopt(fd, SOL_SOCKET, SO_RCVTIMEO, &wait, sizeof wait);
     sockaddr_in address{};
     address.sin_family = AF_INET;
     address.sin_port = htons(static_cast<uint16_t>(port));
@@ -63,12 +66,12 @@ inline QByteArray GetRequest(int port, const QByteArray& path, const QByteArray&
     return "GET " + path + " HTTP/1.1\r\nHost: " + h + "\r\nConnection: close\r\n\r\n";
 }
 
-// A POST of url-encoded form fields to path.
-inline QByteArray PostRequest(int port, const QByteArray& path, const QByteArray& body)
+// A POST of url-encoded form fields to path; length is the Content-Length, the body's size unless given.
+inline QByteArray PostRequest(int port, const QByteArray& path, const QByteArray& body, qint64 length = -1)
 {
     return "POST " + path + " HTTP/1.1\r\nHost: 127.0.0.1:" + QByteArray::number(port) +
-           "\r\nContent-Type: application/x-www-form-urlencoded\r\nContent-Length: " + QByteArray::number(body.size()) +
-           "\r\nConnection: close\r\n\r\n" + body;
+           "\r\nContent-Type: application/x-www-form-urlencoded\r\nContent-Length: " +
+           QByteArray::number(length < 0 ? body.size() : length) + "\r\nConnection: close\r\n\r\n" + body;
 }
 
 }  // namespace dv::test

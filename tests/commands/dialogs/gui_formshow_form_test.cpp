@@ -2,8 +2,16 @@
 #include "tests/commands/formdriver.h"
 #include "tests/commands/params.h"
 #include "tests/support/testhost.h"
+#include "framework/systemlog.h"
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
+
+#include <future>
 
 namespace dv {
 namespace {
@@ -35,6 +43,56 @@ TEST(FormShowFormTest, ControlsBindToTheParametersByName)
     });
     ASSERT_TRUE(result.Edit(resultParams));
     EXPECT_EQ(resultParams, MakeParams({{"Close", "False"}, {"Timeout", "5000"}, {"Result", "Felder"}, {"Unpack", "True"}}));
+}
+
+// The browser window ends before anything was submitted (closed by the person, or a browser that
+// cannot start, as Chromium does for root without its sandbox flag): FormResult stops waiting,
+// writes "" and says why.
+TEST(FormWindowTest, AWindowThatEndsBeforeAnAnswerEndsTheWait)
+{
+    QTemporaryDir dir;
+    const QString browser = dir.filePath("dvformbrowser");
+    {
+        QFile f(browser);
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+        f.write("#!/bin/sh\nexit 1\n");
+    }
+    QFile::setPermissions(browser, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    QFile page(dir.filePath("f.html"));
+    ASSERT_TRUE(page.open(QIODevice::WriteOnly));
+    page.write("<form method=post></form>");
+    page.close();
+    const QByteArray path = qgetenv("PATH");
+    qputenv("PATH", dir.path().toLocal8Bit() + ':' + path);
+    QStringList warnings;
+    SystemLog.SetSink([&](const QString&, const QString& text) { warnings << text; });
+
+    TTestHost host;
+    host.Declare("Antwort", g_StringType);
+    host.SetVariable("Antwort", std::make_unique<TStringValue>("alt"));
+    TDVCmdFormShow show(&host);
+    TParamList showParams = MakeParams({{"File", page.fileName().toUtf8().constData()}});
+    show.Run(showParams);
+    auto waiting = std::async(std::launch::async, [&] {
+        TDVCmdFormResult result(&host);
+        TParamList params = MakeParams({{"Timeout", "60000"}, {"Result", "Antwort"}});
+        result.RunThreaded(params);
+    });
+    // The GUI thread goes on with its events, as the host's does while a thread command runs.
+    QElapsedTimer timer;
+    timer.start();
+    while (waiting.wait_for(std::chrono::milliseconds(0)) != std::future_status::ready && timer.elapsed() < 10000) {
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+    }
+    const bool ended = waiting.wait_for(std::chrono::milliseconds(0)) == std::future_status::ready;
+    if (!ended) host.runControl.SignalStop();
+    while (waiting.wait_for(std::chrono::milliseconds(0)) != std::future_status::ready) QCoreApplication::processEvents();
+    SystemLog.SetSink({});
+    qputenv("PATH", path);
+    CloseShownForm();
+    EXPECT_TRUE(ended) << "FormResult still waited for a window that had ended";
+    EXPECT_EQ(host.ValueText("Antwort"), "");
+    EXPECT_EQ(warnings, QStringList{"FormResult: das Formularfenster wurde ohne Eingabe geschlossen"});
 }
 
 }  // namespace

@@ -75,6 +75,48 @@ TEST(MeldungsBoxFormTest, ExactlyTheChosenButtonsTheTypesIconAndThePlace)
     EXPECT_EQ(host.ValueText("ButtonResult"), "NEIN");
 }
 
+// An empty set shows the OK button of the standard message dialog, and pressing it answers "OK",
+// as the headless answer OK does.
+TEST(MeldungsBoxFormTest, AnEmptyButtonSetShowsOkAndAnswersOk)
+{
+    TTestHost host;
+    host.Declare("ButtonResult", g_StringType);
+    TDVCmdMeldungsBox command(&host);
+    QStringList offered;
+    OnModal("MeldungsBox", [&](QWidget& box) {
+        for (QAbstractButton* b : static_cast<QMessageBox&>(box).buttons()) offered << b->objectName();
+        static_cast<QMessageBox&>(box).buttons().front()->click();
+    });
+    TParamList params = MakeParams({{"Text", "Hinweis"}, {"Buttons", ""}});
+    command.Run(params);
+    EXPECT_EQ(offered, QStringList{"mbOK"});
+    EXPECT_EQ(host.ValueText("ButtonResult"), "OK");
+    EXPECT_EQ(host.stopCalls, 0);
+}
+
+// A ButtonResult that cannot take the answer fails before the message shows, naming it.
+TEST(MeldungsBoxFormTest, AButtonResultThatTakesNoTextFailsBeforeTheMessageShows)
+{
+    TTestHost host;
+    host.Declare("ButtonResult", g_NumberType);
+    TDVCmdMeldungsBox command(&host);
+    int shown = 0;
+    QTimer closer;  // ends with the test, unlike OnModal's, which would wait for a message that never comes
+    QObject::connect(&closer, &QTimer::timeout, [&] {
+        if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
+            ++shown;
+            box->buttons().front()->click();
+        }
+    });
+    closer.start(5);
+    TParamList params = MakeParams({{"Text", "Frage"}, {"Buttons", "mbOK"}});
+    const std::optional<QString> message = RaisedMessage([&] { command.Run(params); });
+    ASSERT_TRUE(message);
+    EXPECT_TRUE(message->startsWith("MeldungsBox: ButtonResult: die Variable \"ButtonResult\" vom Typ Number")) << message->toStdString();
+    EXPECT_EQ(shown, 0);
+    EXPECT_TRUE(host.setVariableCalls.isEmpty());
+}
+
 TEST(MeldungsBoxFormTest, DialogEnablesThePositionOnlyWithoutStandardAndWritesItsControls)
 {
     TTestHost host;
@@ -112,6 +154,11 @@ TEST(MeldungsBoxFormTest, DialogEnablesThePositionOnlyWithoutStandardAndWritesIt
         if (QString(button) == "BT_OK") {
             EXPECT_EQ(params, MakeParams({{"Text", "Fertig?"}, {"Type", "\"mtConfirmation\""}, {"Buttons", "\"mbYes + mbIgnore\""},
                                           {"Position", "False"}, {"XPos", "25"}, {"YPos", "75"}}));
+            // The message text is script text: OK on an unchanged line keeps an expression.
+            TParamList expression = MakeParams({{"Text", "\"Spannung: \" + Wert"}, {"Type", "\"mtWarning\""}});
+            OnModal("TMeldungsbox", [](QWidget& d) { Click(d, "BT_OK"); });
+            ASSERT_TRUE(command.Edit(expression));
+            EXPECT_EQ(expression.GetString("Text"), "\"Spannung: \" + Wert");
         } else {
             EXPECT_EQ(params, before);
         }

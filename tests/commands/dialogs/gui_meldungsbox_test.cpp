@@ -82,6 +82,9 @@ TEST(MeldungsBoxTest, PositionIsPercentOfTheScreenRounded)
     EXPECT_EQ(MessagePosition({1920, 1080}, 50, 25), QPoint(960, 270));
     EXPECT_EQ(MessagePosition({1366, 768}, 33, 33), QPoint(451, 253));  // 450.78 and 253.44
     EXPECT_EQ(MessagePosition({1280, 1024}, 0, 99), QPoint(0, 1014));   // 1013.76
+    // Exact halves round to the even neighbour: 102.5 and 52.5 down, 31.5 up.
+    EXPECT_EQ(MessagePosition({1025, 1050}, 10, 5), QPoint(102, 52));
+    EXPECT_EQ(MessagePosition({1050, 1050}, 3, 3), QPoint(32, 32));
 }
 
 TEST(MeldungsBoxTest, OlderLineWithBracketedButtonsAndPosition)
@@ -105,6 +108,46 @@ TEST(MeldungsBoxTest, OlderLineWithBracketedButtonsAndPosition)
         EXPECT_TRUE(command.DecodeScript(QString::fromUtf8(r.line), params, nullptr));
         EXPECT_EQ(params, MakeParams(r.expected)) << r.line;
     }
+}
+
+TEST(MeldungsBoxTest, OlderLineQuirksAreKept)
+{
+    TTestHost host;
+    TDVCmdMeldungsBox command(&host);
+    TParamList params;
+    // "@x:" without ",@y:" reads no X digits: the message is placed, at 0.
+    command.DecodeScript("MeldungsBox(Hallo,mtWarning,[mbOK],@x:30);", params, nullptr);
+    EXPECT_EQ(params.GetString("Position"), "False");
+    EXPECT_EQ(params.GetString("XPos"), "0");
+    EXPECT_EQ(params.GetString("YPos"), "0");
+    // A line without a type keyword keeps the type of the line decoded before it.
+    params.Clear();
+    command.DecodeScript("MeldungsBox(Kein Typ,[mbYes]);", params, nullptr);
+    EXPECT_EQ(params.GetString("Type"), "\"mtWarning\"");
+    EXPECT_EQ(params.GetString("Buttons"), "\"mbYes\"");
+}
+
+// What marks a line as older even where the current grammar could read it: a bracketed button or
+// a position mark outside string literals.
+TEST(MeldungsBoxTest, OlderFormByBracketedButtonOrPositionOutsideTexts)
+{
+    TTestHost host;
+    const TDVCmdMeldungsBox command(&host);
+    struct Row {
+        const char* line;
+        bool older;
+    };
+    const Row rows[] = {
+        {"MeldungsBox(\"Hallo\",mtInformation,[mbOK]);", true},
+        {"MeldungsBox(Hallo,mtInformation,[mbOK][mbCancel]);", true},
+        {"MeldungsBox(\"Hallo\",mtWarning,@x:10,@y:20);", true},
+        {"MeldungsBox(\"Hallo\",mtWarning,[mbIgnore]);", true},
+        {"MeldungsBox(\"Hallo\",mtWarning,[mbAbort]);", false},  // no older bracketed form
+        {"MeldungsBox(True, \"Drücke [mbOK] bei @x:\", \"mtError\", \"mbOK\", 0, 0);", false},
+        {"MeldungsBox(Position := True, Text := \"[mbYes]\", Type := \"mtError\", Buttons := \"mbYes\", XPos := 0, YPos := 0);", false},
+        {"MeldungsBox(True, \"Zitat \"\"\"\" [mbOK]\", \"mtError\", \"mbOK\", 0, 0);", false},
+    };
+    for (const Row& r : rows) EXPECT_EQ(command.IsOlderForm(QString::fromUtf8(r.line)), r.older) << r.line;
 }
 
 // Without a GUI the answer stands for the pressed button; Abbrechen on Cancel or Abort stops the test.

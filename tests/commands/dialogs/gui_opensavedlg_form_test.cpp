@@ -2,6 +2,7 @@
 #include "commands/dialogs/gui_statustext_form.h"
 #include "tests/commands/formdriver.h"
 #include "tests/commands/params.h"
+#include "host/hostservices.h"
 #include "tests/support/testhost.h"
 
 #include <QFileDialog>
@@ -75,7 +76,7 @@ TEST(OpenSaveDlgFormTest, EditorDialogControlsByName)
     TParamList params = MakeParams({{"OpenDlg", "True"}, {"FileName", "Datei"}, {"InitDir", "\"/daten\""}});
     OnModal("TFRM_OpenSave", [&](QWidget& d) {
         EXPECT_TRUE(Find<QRadioButton>(d, "RB_OpenDialog").isChecked());
-        EXPECT_EQ(Find<QLineEdit>(d, "Edit_InitDir").text(), "/daten");
+        EXPECT_EQ(Find<QLineEdit>(d, "Edit_InitDir").text(), "\"/daten\"");
         Click(d, "RB_SaveDialog");
         Type(d, "Edit_Filename", "Ziel");
         Type(d, "Edit_Caption", "Speichern");
@@ -85,6 +86,44 @@ TEST(OpenSaveDlgFormTest, EditorDialogControlsByName)
     ASSERT_TRUE(command.Edit(params));
     EXPECT_EQ(params, MakeParams({{"OpenDlg", "False"}, {"FileName", "Ziel"}, {"InitDir", "\"/daten\""},
                                   {"Caption", "\"Speichern\""}, {"Extension", "\"txt\""}}));
+}
+
+// OK never changes what a line means: a field holding an expression keeps it, with the script's
+// own parser deciding; only what was typed as plain text becomes a string literal.
+TEST(OpenSaveDlgFormTest, EditingKeepsExpressionsAndQuotesTypedText)
+{
+    host::THost host;
+    for (const char* name : {"Bericht", "Ext"}) host.Program().globals.Declare({name, g_StringType});
+    TDVCmdOpenSave command(&host);
+    const TParamList line = MakeParams({{"OpenDlg", "False"}, {"FileName", "Bericht"}, {"InitDir", "PROJEKTPFAD + \"/daten\""},
+                                        {"Caption", "\"Bericht \"\"A\"\"\""}, {"Extension", "Ext"}});
+    TParamList params = line;
+    OnModal("TFRM_OpenSave", [](QWidget& d) { Click(d, "BT_OK"); });
+    ASSERT_TRUE(command.Edit(params));
+    EXPECT_EQ(params, line);
+
+    struct Row {
+        const char* typed;
+        const char* written;
+    };
+    const Row rows[] = {
+        {"c:\\daten", "\"c:\\daten\""},
+        {"Neuer \"Titel\"", "\"Neuer \"\"Titel\"\"\""},
+        {"csv", "\"csv\""},                     // no variable of that name: text
+        {"Ext + \".bak\"", "Ext + \".bak\""},    // an expression over a variable
+        {"\"txt\"", "\"txt\""},
+        {"", "\"\""},
+    };
+    for (const Row& r : rows) {
+        params = line;
+        OnModal("TFRM_OpenSave", [&](QWidget& d) {
+            Type(d, "Edit_Extension", QString::fromUtf8(r.typed));
+            Click(d, "BT_OK");
+        });
+        ASSERT_TRUE(command.Edit(params));
+        EXPECT_EQ(params.GetString("Extension"), QString::fromUtf8(r.written)) << r.typed;
+        EXPECT_EQ(params.GetString("InitDir"), line.GetString("InitDir"));
+    }
 }
 
 TEST(StatusleisteFormTest, OkCopiesTheEditAndTheTestHandlerShowsErgebnis)

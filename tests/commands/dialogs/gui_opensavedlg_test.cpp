@@ -47,6 +47,7 @@ TEST(OpenSaveDlgTest, HeadlessAnswerWritesTheVariableAndAbbrechenWritesNothing)
 TEST(OpenSaveDlgTest, EmptyVariableWritesNothingAndBadCallsFailBeforeAnyDialog)
 {
     TTestHost host;
+    host.Declare("Zahl", g_NumberType);
     TDVCmdOpenSave command(&host);
     {
         HeadlessAnswers answers({"OpenSaveDlg=/daten/a.csv"});
@@ -61,6 +62,7 @@ TEST(OpenSaveDlgTest, EmptyVariableWritesNothingAndBadCallsFailBeforeAnyDialog)
     };
     const Row rows[] = {
         {"Unbekannt", {"OpenSaveDlg=/daten/a.csv"}, "\"Unbekannt\" wurde nicht als Variable deklariert"},
+        {"Zahl", {"OpenSaveDlg=/daten/a.csv"}, "OpenSaveDlg: FileName: die Variable \"Zahl\" vom Typ Number"},
         {"", {}, "dvrun --answer OpenSaveDlg="},
     };
     for (const Row& r : rows) {
