@@ -81,6 +81,23 @@ TEST_F(SpectrumFunctionsTest, SinadOfSineWithKnownNoise)
     }
 }
 
+TEST_F(SpectrumFunctionsTest, SinadReadsWhatTheCallBeforeLeftBelowAClippedStart)
+{
+    // The buffers live as long as the process, and the transform reads them from position 0: the
+    // second call, clipped to start at sample 3,000, transforms the first call's spectrum lines
+    // and samples below its range. The first call fills every position, whatever ran before.
+    const std::vector<test::TRefCase> calls = test::LoadRefCases("sinad_buffers.txt");
+    ASSERT_EQ(calls.size(), 2u);
+    ScopeSettings()._Abtastrate = "10000";
+    for (const test::TRefCase& c : calls) {
+        SetCurve(c.values, c.Number("rate"));
+        ScopeStore().SetClip(c.params.contains("clip") ? QString::fromStdString(c.params.at("clip")) : QString(), {});
+        const double sinad = Sinad(1);
+        EXPECT_EQ(RangeFrom, c.params.contains("from") ? c.Int("from") : 0) << c.header;
+        EXPECT_NEAR(sinad, c.Number("sinad"), 0.0051) << c.header;  // ours is rounded to two decimals
+    }
+}
+
 TEST_F(SpectrumFunctionsTest, SinadNotchFollowsUsefulSignalAndBandwidth)
 {
     // 1,025 samples at 1,024 Hz: 1,024 points on lines 1 Hz apart; 1.0 on 50 Hz and 0.1 on 90 Hz.
