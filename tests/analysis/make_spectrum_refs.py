@@ -83,6 +83,24 @@ def amplitude_cases():
     return cases
 
 
+def amplitude_size_cases():
+    """The same amplitudes for the smallest sizes and one long one, every window once. A generator
+    of its own, so that the other files' random inputs stay as they were."""
+    local = np.random.default_rng(20250301)
+    cases = []
+    for n, kinds in ((2, (0, 2)), (4, (0, 1)), (8, (0, 3)), (16, (0, 4)), (64, (0, 2)), (2048, (0, 2))):
+        t = np.arange(n)
+        x = 0.3 + np.sin(2 * np.pi * max(1, n // 5) * t / n + 0.7) + local.standard_normal(n)
+        cases.append(("input", {"n": n}, x))
+        for kind in kinds:
+            w = window(kind, n)
+            a = np.abs(np.fft.rfft(x * w)) * 2 / w.sum()
+            a[0] /= 2
+            a[-1] /= 2
+            cases.append(("amplitudes", {"n": n, "window": kind}, a))
+    return cases
+
+
 def butterworth_cases():
     n = 400
     x = rng.standard_normal(n) + np.sin(2 * np.pi * 0.01 * np.arange(n))
@@ -225,6 +243,7 @@ if __name__ == "__main__":
     os.makedirs(DATA, exist_ok=True)
     write("fft_engine.txt", "numpy.fft.fft magnitudes, normalised to 100", engine_cases())
     write("fft_amplitudes.txt", "numpy.fft.rfft amplitudes", amplitude_cases())
+    write("fft_amplitude_sizes.txt", "numpy.fft.rfft amplitudes", amplitude_size_cases())
     write("butterworth.txt", "scipy.signal.butter(output='sos') + sosfilt", butterworth_cases())
     write("thd.txt", "THD from numpy.fft.rfft lines", thd_cases())
     write("sinad.txt", "SINAD from time-domain signal and noise power", sinad_cases())
