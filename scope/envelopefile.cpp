@@ -60,11 +60,15 @@ QString ProfileText(const char* raw)
 // mark is Unicode text, handed over in single bytes; any other file is taken byte for byte.
 QByteArray ProfileBytes(const QByteArray& data)
 {
-    for (const auto encoding : {QStringConverter::Utf16LE, QStringConverter::Utf16BE, QStringConverter::Utf8}) {
-        QStringDecoder decoder(encoding, QStringConverter::Flag::ConvertInitialBom);
-        const QString text = decoder.decode(data);
-        if (!text.startsWith(QChar::ByteOrderMark)) continue;
-        return text.mid(1).toLatin1();  // what has no single byte becomes "?", as on the platform
+    const struct {
+        const char* mark;
+        QStringConverter::Encoding encoding;
+    } unicode[] = {{"\xFF\xFE", QStringConverter::Utf16LE}, {"\xFE\xFF", QStringConverter::Utf16BE},
+                   {"\xEF\xBB\xBF", QStringConverter::Utf8}};
+    for (const auto& u : unicode) {
+        if (!data.startsWith(u.mark)) continue;
+        QStringDecoder decoder(u.encoding);  // drops the mark
+        return QString(decoder.decode(data)).toLatin1();  // what has no single byte becomes "?", as on the platform
     }
     return data;
 }
