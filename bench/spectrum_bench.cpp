@@ -30,6 +30,7 @@
 #include <fstream>
 #include <map>
 #include <memory>
+#include <optional>
 #include <random>
 #include <string>
 #include <vector>
@@ -277,29 +278,49 @@ int RunFirstCall(TFirstCallPath path, int log2, const std::string& folder)
     return got == lines ? 0 : 1;
 }
 
+// One child process: its first call and median repeat, or nothing when it failed.
+std::optional<std::pair<double, double>> FirstCallInFreshProcess(const char* path, int log2, const std::string& folder)
+{
+    const std::string command = std::filesystem::read_symlink("/proc/self/exe").string() + " " + kFirstCallOption + path + ":" +
+                                std::to_string(log2) + ":" + folder;
+    FILE* pipe = popen(command.c_str(), "r");
+    if (!pipe) return std::nullopt;
+    int size = 0;
+    double first = 0, repeat = 0;
+    const bool read = std::fscanf(pipe, "%d %lf %lf", &size, &first, &repeat) == 3;
+    if (pclose(pipe) != 0 || !read) return std::nullopt;
+    return std::pair{first, repeat};
+}
+
 void PrintFirstCalls()
 {
+    // Each size in three fresh processes; the medians of their first calls and repeats are
+    // compared, so that one process slowed down by the machine's other work does not decide.
+    constexpr int kProcesses = 3;
     QTemporaryDir folder;
     for (int log2 : kFirstCallSizes) WriteCurveFile(CurveFilePath(folder.path().toStdString(), log2), log2);
-    std::printf("\nFirst FFT of a size (fresh process) vs its repeat, wall time\n");
+    std::printf("\nFirst FFT of a size (fresh process) vs its repeat, wall time, medians of %d processes\n", kProcesses);
     for (const char* path : {"scope", "bare"}) {
         for (int log2 : kFirstCallSizes) {
-            const std::string command = std::filesystem::read_symlink("/proc/self/exe").string() + " " + kFirstCallOption +
-                                        path + ":" + std::to_string(log2) + ":" + folder.path().toStdString();
-            std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command.c_str(), "r"), pclose);
-            int size = 0;
-            double first = 0, repeat = 0;
-            const bool read = pipe && std::fscanf(pipe.get(), "%d %lf %lf", &size, &first, &repeat) == 3;
-            const bool ok = read && pclose(pipe.release()) == 0;
             const std::string what = std::string(path[0] == 's' ? "Scope call, FILE 2^" : "FastFourierTransformation 2^") +
-                                     std::to_string(log2);
-            if (!ok) {
+                                     std::to_string(log2) + " first vs repeat";
+            std::vector<double> firsts, repeats;
+            for (int p = 0; p < kProcesses; ++p) {
+                if (const auto times = FirstCallInFreshProcess(path, log2, folder.path().toStdString())) {
+                    firsts.push_back(times->first);
+                    repeats.push_back(times->second);
+                }
+            }
+            if (firsts.size() != kProcesses) {
                 std::printf("%-44s first call unavailable\n", what.c_str());
                 continue;
             }
+            std::ranges::sort(firsts);
+            std::ranges::sort(repeats);
+            const double first = firsts[kProcesses / 2], repeat = repeats[kProcesses / 2];
             const double ratio = first / repeat;
-            std::printf("%-44s %10.1f us vs %10.1f us  ratio %6.2f  target <= 1.50  %s\n", (what + " first vs repeat").c_str(),
-                        first * 1e6, repeat * 1e6, ratio, ratio <= 1.5 ? "met" : "MISSED");
+            std::printf("%-44s %10.1f us vs %10.1f us  ratio %6.2f  target <= 1.50  %s\n", what.c_str(), first * 1e6,
+                        repeat * 1e6, ratio, ratio <= 1.5 ? "met" : "MISSED");
         }
     }
 }
