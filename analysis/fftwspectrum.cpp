@@ -27,8 +27,7 @@ using Complex = std::complex<double>;
 
 constexpr int kWindowKinds = 5;
 constexpr int kMaxLog2 = 31;
-// Spectra up to this many points are made ready when the library is loaded: FFTW's one-time
-// setup and all their plans together take well under a millisecond and a few megabytes.
+// Spectra up to this many points share one work buffer and are made ready by running them once.
 constexpr std::size_t kShortSpectrum = std::size_t{1} << 16;
 
 // The n real samples are transformed as n/2 complex points (even samples real, odd imaginary)
@@ -291,14 +290,11 @@ private:
 // Defined after the plans and buffers: it ends (joining its thread) before they go.
 TPreparer preparer;
 
-// The engine starts with the library: FFTW's one-time setup (a few tenths of a millisecond, a
-// hundred times a short transform) and the short spectra are made ready before the first
-// analysis asks.
+// The engine starts with the library: FFTW's one-time setup takes a few tenths of a millisecond,
+// a hundred times a short transform, and no curve announces it. Sizes wait until a curve is
+// loaded for its spectrum.
 struct TStartAtLoad {
-    TStartAtLoad()
-    {
-        for (std::size_t points = 2; points <= kShortSpectrum; points *= 2) preparer.Post(points, 0, false);
-    }
+    TStartAtLoad() { preparer.Post(2, 0, false); }
 } startAtLoad;
 
 }  // namespace

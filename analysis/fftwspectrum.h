@@ -2,8 +2,8 @@
 // Spectra of long real curves on FFTW3 in double precision, and the distortion factor taken from
 // such a spectrum. Plans are made once per size and shared, and so are the work buffers; the
 // functions may run on several threads at once. A size can be made ready on a background thread
-// before its first spectrum, which then takes no longer than a repeat; FFTW's one-time setup and
-// the sizes up to 2^16 points are made ready so as soon as the library is loaded.
+// before its first spectrum, which then takes no longer than a repeat; FFTW's one-time setup is
+// done so as soon as the library is loaded.
 #include <cstddef>
 #include <mutex>
 #include <span>
