@@ -8,6 +8,7 @@
 
 #include <charconv>
 #include <cmath>
+#include <cstring>
 #include <optional>
 #include <string>
 
@@ -44,6 +45,17 @@ std::optional<double> FieldNumber(std::string_view field)
     return value;
 }
 
+// Lines of the text, a last one without a line end included.
+std::size_t RowCount(std::string_view text)
+{
+    std::size_t rows = 0;
+    for (const char* p = text.data(); (p = static_cast<const char*>(std::memchr(p, '\n', text.data() + text.size() - p)));) {
+        ++rows;
+        ++p;
+    }
+    return rows + (!text.empty() && text.back() != '\n' ? 1 : 0);
+}
+
 }  // namespace
 
 TCurvePoints ParseCurveText(std::string_view text, char separator)
@@ -73,20 +85,24 @@ TCurvePoints ParseCurveText(std::string_view text, char separator)
     return points;
 }
 
-TCurvePoints ReadCurveFile(const QString& path, char separator)
+TCurvePoints ReadCurveFile(const QString& path, char separator, const std::function<void(std::size_t rows)>& onRows)
 {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
         throw TDravikException(Format(_("Die Kurvendatei %s kann nicht gelesen werden"), {path}));
     }
+    auto parse = [&](std::string_view text) {
+        if (onRows) onRows(RowCount(text));
+        return ParseCurveText(text, separator);
+    };
     const qint64 size = file.size();
     if (size > 0) {
         if (const uchar* mapped = file.map(0, size)) {
-            return ParseCurveText(std::string_view(reinterpret_cast<const char*>(mapped), static_cast<std::size_t>(size)), separator);
+            return parse(std::string_view(reinterpret_cast<const char*>(mapped), static_cast<std::size_t>(size)));
         }
     }
     const QByteArray bytes = file.readAll();
-    return ParseCurveText(std::string_view(bytes.constData(), static_cast<std::size_t>(bytes.size())), separator);
+    return parse(std::string_view(bytes.constData(), static_cast<std::size_t>(bytes.size())));
 }
 
 void WriteCurveFile(const QString& path, const TCurvePoints& points, char separator)

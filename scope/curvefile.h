@@ -5,6 +5,8 @@
 // are read as typed numbers are: "," is the decimal separator unless the field holds a ".".
 #include <QString>
 
+#include <cstddef>
+#include <functional>
 #include <string_view>
 #include <vector>
 
@@ -16,7 +18,9 @@ struct TCurvePoints {
 };
 
 // Reads the points of a file; raises TDravikException naming the file when it cannot be read.
-TCurvePoints ReadCurveFile(const QString& path, char separator);
+// onRows, when given, learns the number of rows before they are read (the points are at most
+// that many).
+TCurvePoints ReadCurveFile(const QString& path, char separator, const std::function<void(std::size_t rows)>& onRows = {});
 // The points of a file's text (exposed for tests).
 TCurvePoints ParseCurveText(std::string_view text, char separator);
 // Writes the points as rows "x<separator>y" with 17 significant digits and a decimal point, the

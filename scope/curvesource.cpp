@@ -1,5 +1,6 @@
 #include "scope/curvesource.h"
 
+#include "analysis/fftwspectrum.h"
 #include "framework/dvtools.h"
 #include "framework/exceptions.h"
 #include "framework/intconvert.h"
@@ -91,9 +92,13 @@ std::vector<double> SampleTimes(std::size_t n, double rate)
     return x;
 }
 
-TCurvePoints ArrayPoints(const TCurveSource& s)
+// Told the number of samples of the curve as soon as it is known, before they are read.
+using TSizeHint = std::function<void(std::size_t samples)>;
+
+TCurvePoints ArrayPoints(const TCurveSource& s, const TSizeHint& hint)
 {
     const TArrayValue& array = ArrayVariable(s.main);
+    hint(static_cast<std::size_t>(array.GetSize()));
     TCurvePoints p;
     p.y.resize(static_cast<std::size_t>(array.GetSize()));
     for (int i = 1; i <= array.GetSize(); ++i) p.y[static_cast<std::size_t>(i - 1)] = ElementNumber(array.GetVal(i));
@@ -101,7 +106,7 @@ TCurvePoints ArrayPoints(const TCurveSource& s)
     return p;
 }
 
-TCurvePoints FilePoints(const TCurveSource& s)
+TCurvePoints FilePoints(const TCurveSource& s, const TSizeHint& hint)
 {
     QString path = StripQuotes(VarAccess().ResolveText(s.main).trimmed());
     if (TDVParser* parser = CurrentParser()) path = parser->GetEnvironment().ReplaceProjectPath(path);
@@ -109,7 +114,7 @@ TCurvePoints FilePoints(const TCurveSource& s)
     // The code is the separator's Windows-1252 code, which is its byte in the file.
     const int separator = code.isEmpty() ? ';' : StrToInt(code);
     if (separator < 1 || separator > 255) throw TDravikException(Format(_("Ungültiges Trennzeichen %s"), {code}));
-    return ReadCurveFile(path, static_cast<char>(separator));
+    return ReadCurveFile(path, static_cast<char>(separator), hint);
 }
 
 TCurvePoints ImagePoints(const TCurveSource& s)
@@ -142,19 +147,24 @@ void ApplyModifiers(const TCurveSource& s, std::vector<double>& x, std::vector<d
     for (double& v : y) v = v * fy + oy;
 }
 
-void Draw(analysis::TCurveStore& store, int handle, const TCurveSource& s)
+void Draw(analysis::TCurveStore& store, int handle, const TCurveSource& s, bool spectrumNext)
 {
+    // The spectrum's plan and buffers are made ready in the background while the curve loads.
+    const TSizeHint hint = [spectrumNext](std::size_t samples) {
+        if (spectrumNext) analysis::PrepareSpectrum(samples, analysis::ScopeSettings()._FFTWindow);
+    };
     TCurvePoints p;
     switch (s.kind) {
     case TSourceKind::Empty: return;
     case TSourceKind::Recording: throw TDravikException(_("Keine Adx-Scopedaten vorhanden !"));
-    case TSourceKind::File: p = FilePoints(s); break;
-    case TSourceKind::Array: p = ArrayPoints(s); break;
+    case TSourceKind::File: p = FilePoints(s, hint); break;
+    case TSourceKind::Array: p = ArrayPoints(s, hint); break;
     case TSourceKind::Image: p = ImagePoints(s); break;
     case TSourceKind::Point: {
         p.x = VariableValues(s.main);
         p.y = VariableValues(s.second);
         const std::size_t n = std::min(p.x.size(), p.y.size());
+        hint(static_cast<std::size_t>(store.CurveValuesCount(handle)) + n);
         p.x.resize(n);
         p.y.resize(n);
         ApplyModifiers(s, p.x, p.y);
@@ -163,6 +173,7 @@ void Draw(analysis::TCurveStore& store, int handle, const TCurveSource& s)
     }
     }
     ApplyModifiers(s, p.x, p.y);
+    hint(p.y.size());  // rows that held no numbers may have made it fewer
     store.Assign(handle, std::move(p.x), std::move(p.y));
 }
 
@@ -205,11 +216,11 @@ TCurveSource ParseCurveSource(const QString& text)
     return s;
 }
 
-void DrawCurve(analysis::TCurveStore& store, int handle, const QString& text, QString& name)
+void DrawCurve(analysis::TCurveStore& store, int handle, const QString& text, QString& name, bool spectrumNext)
 {
     const TCurveSource source = ParseCurveSource(text);
     try {
-        Draw(store, handle, source);
+        Draw(store, handle, source, spectrumNext);
     } catch (const TImageOutside&) {
         throw TDravikException(_("Bildposition außerhalb des Bildes."));
     } catch (const TDravikException& e) {

@@ -23,7 +23,8 @@ TCurveSource ParseCurveSource(const QString& text);
 
 // Fills handle (1..4) from the source text; the curve's name goes to name. A file, array or
 // image source replaces the curve, a point source appends to it. Raises TDravikException with
-// the message for the user.
-void DrawCurve(analysis::TCurveStore& store, int handle, const QString& text, QString& name);
+// the message for the user. spectrumNext: the curve's spectrum is taken next, so its size is made
+// ready while the curve loads.
+void DrawCurve(analysis::TCurveStore& store, int handle, const QString& text, QString& name, bool spectrumNext = false);
 
 }  // namespace dv::scope

@@ -4,19 +4,24 @@
 #include "framework/intconvert.h"
 #include "framework/translate.h"
 
+#include <QByteArrayView>
 #include <QFile>
 #include <QFileInfo>
 #include <QLocale>
+#include <QStringDecoder>
 
-// Envelope files are plain ASCII: no character set conversion needed.
+// The reader sees single-byte text (Unicode files are converted first): no conversion of its own.
 #define SI_NO_CONVERSION
 #define SI_IMPLEMENTATION  // the template bodies; the packaged library is built for another converter
 #include <SimpleIni.h>
 
+#include <algorithm>
+#include <cctype>
 #include <cmath>
 #include <cstdlib>
 #include <limits>
 #include <optional>
+#include <vector>
 
 namespace dv::scope {
 
@@ -31,9 +36,7 @@ struct TSection {
 };
 // Written and read in this order.
 constexpr TSection kSections[] = {{kUpperEnvelope, "UpperCurve"}, {kLowerEnvelope, "LowerCurve"}};
-// A count beyond any drawn envelope means a damaged file, not millions of points at 0. So does a
-// count above the file's size in bytes: a point takes some twenty bytes, and a few missing keys
-// (read as 0) never come near it; the bound keeps the points within a small multiple of the file.
+// A count beyond any drawn envelope means a damaged file, not millions of points at 0.
 constexpr long kMaxPoints = 10'000'000;
 
 QString FloatText(double v, QChar decimalSeparator)
@@ -43,14 +46,81 @@ QString FloatText(double v, QChar decimalSeparator)
     return s;
 }
 
-// A value as the platform's profile reading returns it: the first of duplicate keys (SimpleIni
-// in multi-key mode keeps them all, in file order), without the quotes around a quoted value.
-QString ProfileValue(const CSimpleIniA& ini, const char* section, const char* key)
+// A value as the platform's profile reading returns it: trimmed, without the quotes around a
+// quoted value.
+QString ProfileText(const char* raw)
 {
-    QString value = QString::fromLatin1(ini.GetValue(section, key, "")).trimmed();
+    QString value = QString::fromLatin1(raw).trimmed();
     const bool quoted = value.size() >= 2 && (value.front() == '"' || value.front() == '\'') &&
                         value.back() == value.front();
     return quoted ? value.mid(1, value.size() - 2) : value;
+}
+
+// The file's text as the platform's (ANSI) profile functions see it: a file with a byte order
+// mark is Unicode text, handed over in single bytes; any other file is taken byte for byte.
+QByteArray ProfileBytes(const QByteArray& data)
+{
+    const struct {
+        const char* mark;
+        QStringConverter::Encoding encoding;
+    } unicode[] = {{"\xFF\xFE", QStringConverter::Utf16LE}, {"\xFE\xFF", QStringConverter::Utf16BE},
+                   {"\xEF\xBB\xBF", QStringConverter::Utf8}};
+    for (const auto& u : unicode) {
+        if (!data.startsWith(u.mark)) continue;
+        QStringDecoder decoder(u.encoding);  // drops the mark
+        return QString(decoder.decode(data)).toLatin1();  // what has no single byte becomes "?", as on the platform
+    }
+    return data;
+}
+
+// The name of a section heading line ("[ name ]", leading blanks allowed), or nothing.
+std::optional<QByteArray> HeadingName(QByteArrayView line)
+{
+    line = line.trimmed();
+    if (!line.startsWith('[')) return std::nullopt;
+    const qsizetype close = line.indexOf(']');
+    if (close < 0) return std::nullopt;
+    return line.sliced(1, close - 1).trimmed().toByteArray();
+}
+
+// The first section of that name, heading to the next heading: the platform's profile functions
+// read only that one where the INI reader would merge all sections of the name.
+QByteArray FirstSection(const QByteArray& text, const char* name)
+{
+    qsizetype start = -1;
+    for (qsizetype pos = 0; pos < text.size();) {
+        qsizetype end = pos;
+        while (end < text.size() && text[end] != '\n' && text[end] != '\r') ++end;
+        if (const std::optional<QByteArray> heading = HeadingName(QByteArrayView(text).sliced(pos, end - pos))) {
+            if (start >= 0) return text.mid(start, pos - start);
+            if (heading->compare(name, Qt::CaseInsensitive) == 0) start = pos;
+        }
+        pos = end + 1;
+    }
+    return start >= 0 ? text.mid(start) : QByteArray();
+}
+
+struct TCoordinate {
+    char name;  // 'X' or 'Y'
+    std::vector<double>& values;
+    std::vector<bool>& seen;  // whose first key has been read
+};
+
+// The point index of a coordinate key ("XValue12" is point 12 of coordinate 'X'), as the lookup
+// of key "XValue" i would find it: without case, the index in decimal without leading zeros.
+std::optional<long> PointIndex(const char* key, char coordinate)
+{
+    const QByteArray k(key);
+    if (k.size() < 7 || k.size() > 14 || std::toupper(static_cast<unsigned char>(k[0])) != coordinate ||
+        k.mid(1, 5).compare("Value", Qt::CaseInsensitive) != 0) {
+        return std::nullopt;
+    }
+    const QByteArray digits = k.mid(6);
+    if (!std::all_of(digits.begin(), digits.end(), [](char c) { return c >= '0' && c <= '9'; }) ||
+        (digits.size() > 1 && digits[0] == '0')) {
+        return std::nullopt;
+    }
+    return digits.toLong();
 }
 
 // A coordinate; unreadable text is 0. The largest double written with 15 significant digits
@@ -121,30 +191,41 @@ void LoadHK(TCurveStore& store, const QString& fileName)
     if (!QFileInfo(fileName).isFile() || !file.open(QIODevice::ReadOnly)) {
         throw TDravikException(Format(_("Die Datei %s kann nicht gelesen werden"), {fileName}));
     }
-    const QByteArray data = file.readAll();
+    const QByteArray data = ProfileBytes(file.readAll());
     for (const TSection& section : kSections) {
         store.Clear(section.handle);
         if (!QFileInfo::exists(fileName)) throw TFileNotFoundException(fileName);
+        const QByteArray text = FirstSection(data, section.name);
         CSimpleIniA ini;  // keys and sections compare without case, as on the platform
         ini.SetMultiKey(true);
-        if (ini.LoadData(data.constData(), static_cast<size_t>(data.size())) < 0) {
+        if (ini.LoadData(text.constData(), static_cast<size_t>(text.size())) < 0) {
             throw TDravikException(Format(_("Die Datei %s kann nicht gelesen werden"), {fileName}));
         }
         // The runtime's integer reading: "$3" and "0x3" are hexadecimal, anything else that is no
         // 32-bit integer reads as the default.
-        const long n = StrToIntDef(ProfileValue(ini, section.name, "Values"), -1);
-        if (n > kMaxPoints || n > data.size()) {
+        const long n = StrToIntDef(ProfileText(ini.GetValue(section.name, "Values", "")), -1);
+        if (n > kMaxPoints) {
             throw TDravikException(Format(_("Ungültige Punktzahl %s im Abschnitt %s"),
                                           {QString::number(n), QString::fromLatin1(section.name)}));
         }
-        for (long i = 0; i < n; ++i) {
-            const QByteArray xKey = "XValue" + QByteArray::number(static_cast<qlonglong>(i));
-            const QByteArray yKey = "YValue" + QByteArray::number(static_cast<qlonglong>(i));
-            // A missing or unreadable coordinate reads as 0.
-            const double x = Coordinate(ProfileValue(ini, section.name, xKey.constData()));
-            const double y = Coordinate(ProfileValue(ini, section.name, yKey.constData()));
-            store.Append(section.handle, x, y);
+        if (n <= 0) continue;
+        // Points 0 .. n - 1, each coordinate from the first key of its name, 0 where the file has
+        // none. One walk over the keys instead of two look-ups per point: a count far above the
+        // keys (each missing point reads as 0) costs no more than the points themselves.
+        std::vector<double> xs(static_cast<std::size_t>(n), 0.0), ys(xs);
+        std::vector<bool> xSeen(xs.size()), ySeen(xs.size());
+        if (const CSimpleIniA::TKeyVal* keys = ini.GetSection(section.name)) {
+            // Keys of one name (without case) follow each other in file order.
+            for (const auto& [key, value] : *keys) {
+                for (const TCoordinate& c : {TCoordinate{'X', xs, xSeen}, TCoordinate{'Y', ys, ySeen}}) {
+                    const std::optional<long> i = PointIndex(key.pItem, c.name);
+                    if (!i || *i >= n || c.seen[static_cast<std::size_t>(*i)]) continue;
+                    c.seen[static_cast<std::size_t>(*i)] = true;
+                    c.values[static_cast<std::size_t>(*i)] = Coordinate(ProfileText(value));
+                }
+            }
         }
+        store.Assign(section.handle, std::move(xs), std::move(ys));
     }
 }
 

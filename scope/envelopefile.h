@@ -36,11 +36,14 @@ void SaveHK(const analysis::TCurveStore& store, const QString& fileName,
             QChar decimalSeparator = LocaleDecimalSeparator());
 
 // Replaces handles 5 and 6 by the envelopes of the file, read as the platform's profile functions
-// read them: the first of duplicate keys counts, a quoted value loses its quotes, the count is read
-// as the runtime reads integers ("$3" is 3). A missing section reads as an empty envelope, a
-// missing or unreadable coordinate as 0; the largest double as saved reads back as itself. Raises TEnvelopeFileMissing when the file does not exist
-// (both envelopes untouched), TFileNotFoundException when it disappears between the two sections
-// and TDravikException when it cannot be read; points loaded before a fault stay.
+// read them (docs/analysis.md lists the rules): only the first section of a name counts and in it
+// the first of duplicate keys, a quoted value loses its quotes, the count is read as the runtime
+// reads integers ("$3" is 3), a file with a byte order mark is Unicode text. A missing section
+// reads as an empty envelope, a missing or unreadable coordinate as 0, also for a count beyond
+// the file's keys; the largest double as saved reads back as itself. Raises TEnvelopeFileMissing
+// when the file does not exist (both envelopes untouched), TFileNotFoundException when it
+// disappears between the two sections and TDravikException when it cannot be read or counts more
+// than 10,000,000 points; points loaded before a fault stay.
 void LoadHK(analysis::TCurveStore& store, const QString& fileName);
 
 // Zero-based index of the point of the envelope handle nearest to x (a tie goes to the later

@@ -1,6 +1,7 @@
 #include "scope/gui_scope.h"
 
 #include "analysis/curvestore.h"
+#include "framework/intconvert.h"
 #include "framework/synchronize.h"
 #include "framework/translate.h"
 #include "framework/waitevents.h"
@@ -117,11 +118,13 @@ void TScopeState::ApplyColors()
 void TScopeState::DrawCurves()
 {
     const TDecodedSettings& s = ScopeSettings();
+    const bool spectrum = s.FxFunction == TScopeFnc::Fft || s.FxFunction == TScopeFnc::Dist;
+    const int spectrumCurve = spectrum ? TryStrToInt(s.FxChannel).value_or(0) : 0;
     for (int slot = 0; slot < kCurveSlots; ++slot) {
         const auto i = static_cast<std::size_t>(slot);
         if (s.CurveSource[i].isEmpty()) continue;
         try {
-            DrawCurve(analysis::ScopeStore(), slot + 1, s.CurveSource[i], ScopeModel().CurveNames[i]);
+            DrawCurve(analysis::ScopeStore(), slot + 1, s.CurveSource[i], ScopeModel().CurveNames[i], spectrumCurve == slot + 1);
         } catch (const TDravikException& e) {
             // A curve that cannot be drawn is reported on its own; Ignore goes on with the next.
             if (ReportExecutionFault(QStringLiteral("Scope-Plugin: ") + e.Message()) == TErrorAnswer::Cancel) throw TRunCancelled();

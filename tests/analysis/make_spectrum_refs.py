@@ -2,7 +2,8 @@
 """Writes the reference vectors of the spectrum and filter tests into data/.
 
 Independent of the C++ code: spectra come from numpy.fft, filters from scipy.signal.butter +
-sosfilt, SINAD from the time-domain powers of a sine and its noise. Run with Debian's python3
+sosfilt, SINAD from the time-domain powers of a sine and its noise, and from numpy.fft lines of a
+position-by-position model of the kept SINAD buffers. Run with Debian's python3
 (numpy, scipy); the tests only read the files.
 
 File format (shared with make_measure_refs.py, read by tests/analysis/refdata.h): blocks of
@@ -79,6 +80,24 @@ def amplitude_cases():
         a[0] /= 2
         a[-1] /= 2
         cases.append(("amplitudes", {"n": n, "window": kind}, a))
+    return cases
+
+
+def amplitude_size_cases():
+    """The same amplitudes for the smallest sizes and one long one, every window once. A generator
+    of its own, so that the other files' random inputs stay as they were."""
+    local = np.random.default_rng(20250301)
+    cases = []
+    for n, kinds in ((2, (0, 2)), (4, (0, 1)), (8, (0, 3)), (16, (0, 4)), (64, (0, 2)), (2048, (0, 2))):
+        t = np.arange(n)
+        x = 0.3 + np.sin(2 * np.pi * max(1, n // 5) * t / n + 0.7) + local.standard_normal(n)
+        cases.append(("input", {"n": n}, x))
+        for kind in kinds:
+            w = window(kind, n)
+            a = np.abs(np.fft.rfft(x * w)) * 2 / w.sum()
+            a[0] /= 2
+            a[-1] /= 2
+            cases.append(("amplitudes", {"n": n, "window": kind}, a))
     return cases
 
 
@@ -171,10 +190,61 @@ def sinad_cases():
     return cases
 
 
+def offset_over_periods(y, start, stop):
+    """KurvenOffset of the range start..stop: mean from the first rising mid-level crossing up to
+    the sample before the last one; the walk begins one sample after the range start."""
+    seg = y[start + 1:stop + 1]
+    nz = seg[seg != 0.0]
+    mid = (max(nz.max(), -1e6) + min(nz.min(), 1e6)) / 2
+    i = np.arange(start + 1, stop + 1)
+    c = i[(y[i - 1] < mid) & (mid <= y[i])]
+    return float(np.mean(y[c[0]:c[-1]])) if len(c) >= 2 else 0.0
+
+
+def engine_sinad(buffer, n):
+    """SINAD from the engine's n-point lines of buffer[:n] (rectangular window, notch +-1 line
+    around the largest line above DC); the lines, normalised to 100, are returned too."""
+    lines = np.abs(np.fft.fft(buffer[:n]))[: n // 2]
+    lines = 100 * lines / lines.max()
+    fundamental = 1 + int(np.argmax(lines[1:]))
+    power = lines[1:] ** 2
+    k = np.arange(1, n // 2)
+    noise = power[(k < fundamental - 1) | (k > fundamental + 1)].sum()
+    return float(np.log(np.sqrt(power.sum() / noise)) * 8.685889638), lines
+
+
+def sinad_buffer_cases():
+    """Two SINAD calls in a row on 4,097 samples at 10 kHz. The second measures from sample 3,000
+    on, yet its 4,096-point transform reads the buffer from position 0, where the first call left
+    its spectrum lines (percent of its largest line, copied back over positions 0 .. 2,047) and
+    its own samples above them. The buffer is modelled position by position; "clean" is the same
+    measurement with zeros below the range start, which the kept buffers must not give."""
+    n = 4096
+    t = np.arange(n + 1)
+    first = 0.5 + np.sin(2 * np.pi * 400 * t / n) + 0.01 * rng.standard_normal(n + 1)
+    second = 0.2 + 0.8 * np.sin(2 * np.pi * 123 * t / n) + 0.05 * rng.standard_normal(n + 1)
+    buffer = np.zeros(n + 1)
+    buffer[:] = first - float("%.15g" % offset_over_periods(first, 0, n))  # the offset passes through text
+    sinad_first, lines = engine_sinad(buffer, n)
+    buffer[: n // 2] = lines
+    start = 3000
+    buffer[start:] = second[start:] - float("%.15g" % offset_over_periods(second, start, n))
+    sinad_second, _ = engine_sinad(buffer, n)
+    clean = buffer.copy()
+    clean[:start] = 0
+    sinad_clean, _ = engine_sinad(clean, n)
+    assert abs(sinad_second - sinad_clean) > 1, "the case must tell kept buffers from clean ones"
+    return [("first", {"n": n + 1, "rate": 10000.0, "sinad": repr(sinad_first)}, first),
+            ("second", {"n": n + 1, "rate": 10000.0, "clip": "0,3", "from": start, "sinad": repr(sinad_second),
+                        "clean": repr(sinad_clean)}, second)]
+
+
 if __name__ == "__main__":
     os.makedirs(DATA, exist_ok=True)
     write("fft_engine.txt", "numpy.fft.fft magnitudes, normalised to 100", engine_cases())
     write("fft_amplitudes.txt", "numpy.fft.rfft amplitudes", amplitude_cases())
+    write("fft_amplitude_sizes.txt", "numpy.fft.rfft amplitudes", amplitude_size_cases())
     write("butterworth.txt", "scipy.signal.butter(output='sos') + sosfilt", butterworth_cases())
     write("thd.txt", "THD from numpy.fft.rfft lines", thd_cases())
     write("sinad.txt", "SINAD from time-domain signal and noise power", sinad_cases())
+    write("sinad_buffers.txt", "SINAD of two calls in a row through the kept buffers", sinad_buffer_cases())

@@ -3,6 +3,7 @@
 #include "scope/curvefile.h"
 #include "scope/curvesource.h"
 
+#include <QFile>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -80,6 +81,23 @@ TEST(CurveFile, AWrittenCurveReadsBackIdentically)
     EXPECT_EQ(back.x, points.x);
     EXPECT_EQ(back.y, points.y);
     EXPECT_THROW(ReadCurveFile(dir.filePath("fehlt.txt"), ';'), TDravikException);
+}
+
+TEST(CurveFile, TellsItsRowCountBeforeReadingThePoints)
+{
+    // The spectrum of a curve is planned from this count while the rows are read: a last row
+    // without a line end counts, or a file of 2^k rows would plan half its size.
+    QTemporaryDir dir;
+    const QString path = dir.filePath("kurve.txt");
+    const std::pair<QByteArray, std::size_t> rows[] = {{"", 0}, {"1", 1}, {"1\n", 1}, {"1\n2", 2}, {"t;y\r\n0;1\r\n1;2", 3}, {"\n\n", 2}};
+    for (const auto& [text, count] : rows) {
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate) && file.write(text) == text.size());
+        file.close();
+        std::vector<std::size_t> told;
+        ReadCurveFile(path, ';', [&](std::size_t n) { told.push_back(n); });
+        EXPECT_EQ(told, std::vector{count}) << text.toStdString();
+    }
 }
 
 }  // namespace

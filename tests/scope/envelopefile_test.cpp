@@ -62,13 +62,19 @@ TEST_F(EnvelopeFileTest, LoadingReadsWhatIsMissingAsEmptyOrZeroAndFailuresKeepTh
     EXPECT_EQ(Values(store.X(kUpperEnvelope)), std::vector({1.5, 0.0, 0.0}));
     EXPECT_EQ(Values(store.Y(kUpperEnvelope)), std::vector({2.0, 4.5, 0.0}));
     EXPECT_EQ(store.CurveValuesCount(kLowerEnvelope), 0);  // no section: empty, no error
-    for (const char* count : {"20000000", "9999999", "40"}) {  // more points than the file has bytes
+    // A count beyond any drawn envelope is a damaged file; below that, each point the file lacks
+    // reads as 0, however short the file is.
+    for (const char* count : {"20000000", "10000001"}) {
         Write(QByteArray("[UpperCurve]\nValues=") + count + "\n");
         EXPECT_THAT([&] { LoadHK(store, file); }, ThrowsMessage<TDravikException>(::testing::HasSubstr(count)));
     }
-    Write("[UpperCurve]\nValues=20\n");  // 23 bytes: each missing point reads as 0
+    Write("[UpperCurve]\nValues=40\nYValue39=2\n");
     LoadHK(store, file);
-    EXPECT_EQ(store.CurveValuesCount(kUpperEnvelope), 20);
+    EXPECT_EQ(Values(store.X(kUpperEnvelope)), std::vector(40, 0.0));
+    EXPECT_EQ(store.GetValue(kUpperEnvelope, 39).y, 2.0);
+    Write("[UpperCurve]\nValues=10000000\n");
+    LoadHK(store, file);
+    EXPECT_EQ(store.CurveValuesCount(kUpperEnvelope), 10'000'000);
     EXPECT_THROW(SaveHK(store, dir.filePath("no/such/dir/x.HKV")), TDravikException);
     EXPECT_EQ(EnvelopeSaveFaultText("a.HKV", "voll"),
               "Scope-Plugin: Fehler beim speichern der Hüllkurvendateia.HKV !\nvoll");
@@ -92,12 +98,44 @@ TEST_F(EnvelopeFileTest, ReadsAsThePlatformsProfileFunctions)
         {"quoted values lose their quotes", "Values=\"1\"\nXValue0=\"2,5\"\nYValue0='-4'\n", {2.5}, {-4}},
         {"unmatched quotes stay and make the number unreadable", "Values=1\nXValue0=\"2\nYValue0=3'\n", {0}, {0}},
         {"a number beyond the double range is unreadable", "Values=1\nXValue0=1e999\nYValue0=-1.8E308\n", {0}, {0}},
+        {"an index is written without leading zeros", "Values=2\nXValue01=4\nXValue1=5\nYValue00=6\n", {0, 5}, {0, 0}},
+        {"only the first section of a name counts", "Values=1\n[LowerCurve]\n[ uppercurve ]\nXValue0=5\nYValue0=6\n", {0}, {0}},
+        {"also for its count", "XValue0=5\n[UpperCurve]\nValues=1\n", {}, {}},
     };
     for (const auto& r : rows) {
         Write("[UpperCurve]\n" + r.text);
         LoadHK(store, file);
         EXPECT_EQ(Values(store.X(kUpperEnvelope)), r.x) << r.what;
         EXPECT_EQ(Values(store.Y(kUpperEnvelope)), r.y) << r.what;
+    }
+}
+
+// Files saved as "Unicode" by a Windows editor carry a byte order mark, which the platform's
+// profile functions read by; so does a UTF-8 file.
+TEST_F(EnvelopeFileTest, ReadsUnicodeFilesByTheirByteOrderMark)
+{
+    const QString text = QStringLiteral("[UpperCurve]\r\nValues=2\r\nXValue0=0\r\nYValue0=1,5\r\nXValue1=10\r\nYValue1=1\r\n"
+                                         "[LowerCurve]\r\nValues=1\r\nXValue0=5\r\nYValue0=-1\r\n");
+    const struct {
+        const char* what;
+        QByteArray bytes;
+    } rows[] = {
+        {"UTF-16 LE", QByteArray("\xFF\xFE") + QByteArray(reinterpret_cast<const char*>(text.utf16()), text.size() * 2)},
+        {"UTF-16 BE", [&] {
+             QByteArray be("\xFE\xFF");
+             for (QChar c : text) be.append(static_cast<char>(c.unicode() >> 8)).append(static_cast<char>(c.unicode() & 0xFF));
+             return be;
+         }()},
+        {"UTF-8", QByteArray("\xEF\xBB\xBF") + text.toUtf8()},
+    };
+    for (const auto& r : rows) {
+        store.ClearAll();
+        Write(r.bytes);
+        LoadHK(store, file);
+        EXPECT_EQ(Values(store.X(kUpperEnvelope)), std::vector({0.0, 10.0})) << r.what;
+        EXPECT_EQ(Values(store.Y(kUpperEnvelope)), std::vector({1.5, 1.0})) << r.what;
+        EXPECT_EQ(Values(store.X(kLowerEnvelope)), std::vector({5.0})) << r.what;
+        EXPECT_EQ(Values(store.Y(kLowerEnvelope)), std::vector({-1.0})) << r.what;
     }
 }
 
