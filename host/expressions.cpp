@@ -48,14 +48,31 @@ int ArrayIndex(long double x)
     return static_cast<int>(x);
 }
 
-void TIndexExpr::Eval(TExec& ex, TVal& out) const
+namespace {
+
+const TArrayValue& IndexedArray(const TExec& ex, const TVarRef& ref)
 {
-    const int index = ArrayIndex(index_->Num(ex));
-    const TVariable& var = array_->Var(ex);
+    const TVariable& var = ref.Var(ex);
     if (var.value.kind != TValueKind::Array) {
         throw TDVRuntimeException(Format(_("Die Variable \"%s\" ist kein Array."), {var.GetName()}));
     }
-    out = FromValue(var.value.array->GetVal(index));
+    return *var.value.array;
+}
+
+}  // namespace
+
+void TIndexExpr::Eval(TExec& ex, TVal& out) const
+{
+    const int index = ArrayIndex(index_->Num(ex));
+    out = ElementValue(IndexedArray(ex, *array_), index);
+}
+
+long double TIndexExpr::Num(TExec& ex) const
+{
+    const int index = ArrayIndex(index_->Num(ex));
+    const TArrayValue& array = IndexedArray(ex, *array_);
+    if (array.GetKindAt(index) == TValueKind::Number) return array.GetNumber(index);
+    return RequireNumber(ElementValue(array, index));
 }
 
 TValueKind TIndexExpr::StaticKind() const

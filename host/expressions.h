@@ -53,6 +53,7 @@ public:
     TIndexExpr(int line, int column, std::unique_ptr<TVarRef> array, TExprPtr index)
         : TExpr(line, column), array_(std::move(array)), index_(std::move(index)) {}
     void Eval(TExec& ex, TVal& out) const override;
+    long double Num(TExec& ex) const override;
     TValueKind StaticKind() const override;
 
 private:

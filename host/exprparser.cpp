@@ -203,7 +203,7 @@ TExprPtr TScriptParser::ParsePrimary()
         if (!parsed) Fail(t, _("Ungültiges Array"));
         std::vector<TExprPtr> elements;
         for (int i = 1; i <= parsed->GetSize(); ++i) {
-            elements.push_back(std::make_unique<TLiteral>(t.line, t.column, FromValue(parsed->GetVal(i))));
+            elements.push_back(std::make_unique<TLiteral>(t.line, t.column, ElementValue(*parsed, i)));
         }
         return std::make_unique<TArrayLiteral>(t.line, t.column, std::move(elements));
     }

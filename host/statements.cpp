@@ -100,10 +100,9 @@ void TIndexAssign::Exec(TExec& ex) const
     TVal v;
     value_->Eval(ex, v);
     TArrayValue& array = *var.value.array;
-    const TValueKind elementKind = array.GetElementKind();
-    TValuePtr element = ToValue(Coerce(std::move(v), {elementKind, TValueKind::Misc}));
+    TVal element = Coerce(std::move(v), {array.GetElementKind(), TValueKind::Misc});
     MakeRoomFor(ex, var.GetName(), array, index);
-    array.SetVal(index, std::move(element));
+    StoreElement(array, index, std::move(element));
 }
 
 void CheckArrayLength(const TExec& ex, const QString& name, long double length)
@@ -117,10 +116,10 @@ void GrowArray(const TExec& ex, const QString& name, TArrayValue& array, long do
 {
     if (length <= array.GetSize()) return;
     CheckArrayLength(ex, name, length);
-    const TDVType elementType{array.GetElementKind(), TValueKind::Misc};
     const int end = static_cast<int>(length);
+    array.Reserve(end);
     while (array.GetSize() < end) {
-        array.SetVal(std::min(end, array.GetSize() + kGrowthStep), DefaultValue(elementType));
+        array.Resize(std::min(end, array.GetSize() + kGrowthStep));
         ex.CheckStop();
     }
 }

@@ -49,11 +49,11 @@ QString TDVCmdArrayToString::Join(const TValue& array)
     QString result;
     result.reserve(elements->GetSize());
     for (int i = 1; i <= elements->GetSize(); ++i) {
-        const TValue& value = elements->GetVal(i);
-        if (const auto* text = dynamic_cast<const TStringValue*>(&value)) {
-            result += text->GetVal();
-        } else if (const auto* number = dynamic_cast<const TNumberValue*>(&value)) {
-            const std::int64_t code = RoundHalfEven(number->GetVal());
+        const TValueKind kind = elements->GetKindAt(i);
+        if (kind == TValueKind::String) {
+            result += elements->GetText(i);
+        } else if (kind == TValueKind::Number) {
+            const std::int64_t code = RoundHalfEven(elements->GetNumber(i));
             result += Chr1252(code < 0 || code > 255 ? -1 : static_cast<int>(code));
         }
     }
