@@ -29,10 +29,10 @@ TParamList TCommandCall::BuildParams(TExec& ex) const
             TVal v;
             arg.value->Eval(ex, v);
             v = ParamValue(std::move(v), decl);
-            params.AddValue(decl.name, ValText(v), ToValue(v));
+            params.AddValue(decl.name, ToValue(v));
         } else if (defaults_[i].present) {
             if (defaults_[i].value) {
-                params.AddValue(decl.name, ValText(*defaults_[i].value), ToValue(*defaults_[i].value));
+                params.AddValue(decl.name, ToValue(*defaults_[i].value));
             } else {
                 params.AddString(decl.name, QString());
             }

@@ -62,10 +62,11 @@ QString TDVCmdArrayToString::Join(const TValue& array)
 
 // The host hands Arr with its evaluated array attached, and GetValue gives it back as it is: string
 // elements keep their text whatever characters they hold. Only a list without a value (an older
-// line read as text) has its text parsed.
+// line read as text) has its text parsed. Arr's printed text is not asked for: the list makes it
+// only on request, and for a large array it would cost more than the joining.
 void TDVCmdArrayToString::Run(TParamList& params)
 {
-    SetParams(params);
+    fields_.str = params.GetString(QStringLiteral("Str"));
     const TValuePtr array = params.GetValue(QStringLiteral("Arr"));
     VarAccess().SetVariable(fields_.str, std::make_unique<TStringValue>(Join(*array)));
 }

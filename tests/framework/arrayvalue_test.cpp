@@ -1,6 +1,7 @@
 // Arrays keep numbers unboxed until an element of another kind arrives; what a reader sees must not
 // depend on that.
 #include "framework/exceptions.h"
+#include "framework/paramlist.h"
 #include "framework/values.h"
 
 #include <gtest/gtest.h>
@@ -124,6 +125,43 @@ TEST(ArrayValueTest, IndicesBelowOneAreRefused)
     EXPECT_THROW(a.GetKindAt(1), TDVRuntimeException);
     EXPECT_THROW(a.GetText(0), TDVRuntimeException);
     EXPECT_EQ(a.GetSize(), 0);
+}
+
+// A value that counts how often its text is made.
+class TCountingValue final : public TValue {
+public:
+    explicit TCountingValue(int* texts) : texts_(texts) {}
+    TDVType GetType() const override { return g_StringType; }
+    QString AsText() const override
+    {
+        ++*texts_;
+        return QStringLiteral("{1}{2}");
+    }
+    TValuePtr Clone() const override { return std::make_unique<TCountingValue>(texts_); }
+
+private:
+    int* texts_;
+};
+
+TEST(ParamListTest, AnAttachedValuesTextIsMadeOnlyWhenAskedForAndOnce)
+{
+    int texts = 0;
+    TParamList list;
+    list.AddValue("Arr", std::make_unique<TCountingValue>(&texts));
+    EXPECT_TRUE(list.Contains("Arr"));
+    EXPECT_NE(list.GetValue("Arr"), nullptr);
+    const TParamList copy = list;
+    EXPECT_EQ(texts, 0);
+    EXPECT_EQ(list.GetString("Arr"), "{1}{2}");
+    EXPECT_EQ(list.GetString("Arr"), "{1}{2}");
+    EXPECT_EQ(texts, 1);
+    EXPECT_EQ(copy.GetString("Arr"), "{1}{2}");
+    EXPECT_EQ(texts, 2);
+    TParamList written;
+    written.AddString("Arr", "{1}{2}");
+    EXPECT_TRUE(written == list);
+    list.AddValue("Arr", nullptr);  // replaced by an entry without a value: an empty text
+    EXPECT_EQ(list.GetString("Arr"), "");
 }
 
 }  // namespace
