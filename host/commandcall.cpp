@@ -46,15 +46,15 @@ void TCommandCall::Exec(TExec& ex) const
     ex.line = Line();
     ex.CheckStop();
     TParamList params = BuildParams(ex);
-    RunCommandBody(command_, params);
+    RunCommandBody(command_, onThisThread_, params);
     ex.line = Line();
     ex.CheckStop();
 }
 
-void RunCommandBody(TDVThreadRunEdit& command, TParamList& params)
+void RunCommandBody(TDVThreadRunEdit& command, TDVFuncRunEdit* onThisThread, TParamList& params)
 {
-    if (auto* func = dynamic_cast<TDVFuncRunEdit*>(&command)) {
-        func->Run(params);
+    if (onThisThread) {
+        onThisThread->Run(params);
         return;
     }
     std::exception_ptr failure;

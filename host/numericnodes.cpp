@@ -10,7 +10,7 @@ namespace {
 // How an operand is read. A Number variable of its own always holds a number (TVariable's
 // invariant), so its value is read without looking at its kind.
 struct TConstOperand {
-    long double value;
+    double value;
     long double Get(TExec&) const { return value; }
 };
 
@@ -162,7 +162,7 @@ const TVarRef* PlainNumberVariable(const TExpr& e)
 template <class Make>
 TExprPtr WithOperand(TExprPtr e, Make make)
 {
-    if (const std::optional<long double> c = ConstantOf(*e)) return make(TConstOperand{*c});
+    if (const std::optional<long double> c = ConstantOf(*e); c && static_cast<long double>(static_cast<double>(*c)) == *c) return make(TConstOperand{static_cast<double>(*c)});
     if (const TVarRef* var = PlainNumberVariable(*e)) {
         if (var->Global()) return make(TGlobalOperand{var->SlotIndex()});
         return make(TLocalOperand{var->SlotIndex()});

@@ -154,6 +154,19 @@ void TFor::Exec(TExec& ex) const
     TVariable& var = var_->Var(ex);
     // A body with statements looks at the stop request before each of them; an empty one here.
     const bool emptyBody = body_.statements.empty();
+    if (std::fabs(from) < kMaxRounds && from == std::floor(from) && !(from == 0 && std::signbit(from))) {
+        // A whole start: the counter is the whole number from ± k, converted from an integer in
+        // one step instead of adding k to an extended number in memory; the value is the same.
+        const auto first = static_cast<std::int64_t>(from);
+        const std::int64_t step = down_ ? -1 : 1;
+        for (std::int64_t k = 0; k < rounds; ++k) {
+            var.value.kind = TValueKind::Number;
+            var.value.number = static_cast<long double>(first + step * k);
+            body_.Exec(ex);
+            if (emptyBody) ex.CheckStop();
+        }
+        return;
+    }
     for (std::int64_t k = 0; k < rounds; ++k) {
         var.value.kind = TValueKind::Number;
         var.value.number = down_ ? from - static_cast<long double>(k) : from + static_cast<long double>(k);
