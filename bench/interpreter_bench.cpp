@@ -155,9 +155,10 @@ void PrintArrayMemory(const TArrayMemory& m)
         std::printf("Array of Number 1e6    dvrun failed\n");
         return;
     }
-    std::printf("Array of Number 1e6    peak memory of dvrun %.1f MB, with one element %.1f MB: %.1f MB for the array\n",
-                static_cast<double>(m.millionKb) / 1024.0, static_cast<double>(m.oneKb) / 1024.0,
-                static_cast<double>(m.millionKb - m.oneKb) / 1024.0);
+    const auto mb = [](long kb) { return static_cast<double>(kb) / 1024.0; };
+    std::printf("Array of Number 1e6    peak memory of dvrun %.1f MB, with one element %.1f MB: %.1f MB for the "
+                "array\n",
+                mb(m.millionKb), mb(m.oneKb), mb(m.millionKb - m.oneKb));
 }
 
 }  // namespace

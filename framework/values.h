@@ -124,9 +124,8 @@ public:
 
 private:
     // Ten of the 16 bytes of an x87 long double carry its value; other formats keep all of them.
-    static constexpr std::size_t kNumberBytes = sizeof(long double) == 16 && std::numeric_limits<long double>::digits == 64
-                                                    ? 10
-                                                    : sizeof(long double);
+    static constexpr bool kX87 = sizeof(long double) == 16 && std::numeric_limits<long double>::digits == 64;
+    static constexpr std::size_t kNumberBytes = kX87 ? 10 : sizeof(long double);
     struct TPacked {
         unsigned char bytes[kNumberBytes];
     };
