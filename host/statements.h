@@ -126,7 +126,7 @@ struct TProcedure {
     bool defined = false;
 
     // A frame for one more call; frames are made by the first call that needs them (one per level
-    // of recursion) and serve every later call, which so allocates nothing.
+    // of recursion) and serve every later call, so that a call allocates nothing.
     TFrame& AcquireFrame() const
     {
         if (framesInUse_ == frames_.size()) frames_.push_back(std::make_unique<TFrame>(scope));
