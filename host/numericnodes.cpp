@@ -1,5 +1,7 @@
 #include "host/numericnodes.h"
 
+#include <cmath>
+#include <limits>
 #include <optional>
 #include <type_traits>
 
@@ -157,7 +159,9 @@ std::optional<long double> ConstantOf(const TExpr& e)
 std::optional<double> DoubleConstantOf(const TExpr& e)
 {
     const std::optional<long double> c = ConstantOf(e);
-    if (!c || static_cast<long double>(static_cast<double>(*c)) != *c) return std::nullopt;
+    // Beyond the double range the conversion itself would be undefined.
+    if (!c || !(std::fabs(*c) <= std::numeric_limits<double>::max())) return std::nullopt;
+    if (static_cast<long double>(static_cast<double>(*c)) != *c) return std::nullopt;
     return static_cast<double>(*c);
 }
 
