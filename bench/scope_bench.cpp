@@ -90,8 +90,7 @@ double ReferenceRms(const TArrayValue& array)
     std::vector<double> x(static_cast<std::size_t>(array.GetSize()));
     std::vector<double> y(x.size());
     for (int i = 1; i <= array.GetSize(); ++i) {
-        const auto& v = dynamic_cast<const TNumberValue&>(array.GetVal(i));
-        y[static_cast<std::size_t>(i - 1)] = static_cast<double>(v.GetVal());
+        y[static_cast<std::size_t>(i - 1)] = static_cast<double>(array.GetNumber(i));
         x[static_cast<std::size_t>(i - 1)] = (i - 1) / 1e6;
     }
     const int last = static_cast<int>(y.size()) - 1;

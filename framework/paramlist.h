@@ -21,6 +21,9 @@ public:
     void AddString(const QString& name, const QString& text);
     // At run time the host also attaches the evaluated value of an input parameter.
     void AddValue(const QString& name, const QString& text, TValuePtr value);
+    // The same with the value's printed form (AsText) as the text, made only when it is asked for:
+    // a command that reads the value of a large array never pays for its text.
+    void AddValue(const QString& name, TValuePtr value);
     // The entry's text; empty when absent.
     QString GetString(const QString& name) const;
     // The entry evaluated into a new value owned by the caller: the value the host attached, else
@@ -37,10 +40,13 @@ public:
 private:
     struct Entry {
         QString name;
-        QString text;
+        mutable QString text;
         TValuePtr value;
+        mutable bool textPending = false;  // text is still to be made from value
+        const QString& Text() const;
     };
     const Entry* Find(const QString& name) const;
+    void Put(const QString& name, QString text, TValuePtr value, bool textPending);
     std::vector<Entry> entries_;
 };
 

@@ -3,8 +3,10 @@
 // obtained by evaluation belongs to whoever received the unique_ptr.
 #include <QString>
 
+#include <limits>
 #include <map>
 #include <memory>
+#include <unordered_map>
 #include <vector>
 
 namespace dv {
@@ -82,28 +84,66 @@ private:
 
 // A script array, indexed as the script indexes it: elements 1..GetSize(). Index 0 is no element.
 // Writing past the end grows the array; the gap is filled with default elements.
+// While every element is a number the array keeps them unboxed, ten bytes each (a million numbers
+// in 10 MB rather than a value object each); the first element of another kind turns it into a list
+// of value objects for good. Loops over many elements read them with GetKindAt/GetNumber/GetText,
+// which make no value object.
 class TArrayValue : public TValue {
 public:
     explicit TArrayValue(TValueKind elementKind = TValueKind::Misc) : elementKind_(elementKind) {}
+    TArrayValue(const TArrayValue& other);
+    TArrayValue& operator=(const TArrayValue&) = delete;
     TDVType GetType() const override { return {TValueKind::Array, elementKind_}; }
     TValueKind GetElementKind() const { return elementKind_; }
-    int GetSize() const { return static_cast<int>(elements_.size()); }
+    int GetSize() const { return static_cast<int>(boxed_ ? objects_.size() : numbers_.size()); }
     // The valid indices, 1..GetSize().
     std::vector<int> GetIndices() const;
-    // The element at a script index; raises TDVRuntimeException outside 1..GetSize().
+    // The element at a script index; raises TDVRuntimeException outside 1..GetSize(). An unboxed
+    // number gets its value object on the first request; the reference stays valid until that
+    // element is written or the array is emptied or cut.
     const TValue& GetVal(int index) const;
+    // The kind of the element at a script index (Number, String, Boolean or Array); raises as GetVal.
+    TValueKind GetKindAt(int index) const;
+    // The number at a script index; raises as GetVal, and for an element that is no number.
+    long double GetNumber(int index) const;
+    // The element's text as its AsText gives it (a string element: its characters); raises as GetVal.
+    QString GetText(int index) const;
     // Stores the element at a script index (>= 1), growing the array as needed.
     void SetVal(int index, TValuePtr value);
+    void SetNumber(int index, long double value);
     void Append(TValuePtr value) { SetVal(GetSize() + 1, std::move(value)); }
+    // Fills the array up to `size` elements with default elements, taking no more memory than
+    // they need; a smaller size cuts it.
+    void Resize(int size);
+    // Makes room for `size` elements without adding any.
+    void Reserve(int size);
     // Empties the array.
-    void Reset() { elements_.clear(); }
+    void Reset();
     QString AsText() const override;
     TValuePtr Clone() const override;
 
 private:
+    // Ten of the 16 bytes of an x87 long double carry its value; other formats keep all of them.
+    static constexpr bool kX87 = sizeof(long double) == 16 && std::numeric_limits<long double>::digits == 64;
+    static constexpr std::size_t kNumberBytes = kX87 ? 10 : sizeof(long double);
+    struct TPacked {
+        unsigned char bytes[kNumberBytes];
+    };
+    static long double Unpack(const TPacked& p);
+    static TPacked Pack(long double x);
+    void CheckIndex(int index) const;
+    // Turns the unboxed numbers into value objects, keeping the ones GetVal handed out.
+    void Box();
     TValuePtr DefaultElement() const;
+    // Drops the value object GetVal made for an element that changes.
+    void Forget(int index);
+
     TValueKind elementKind_;
-    std::vector<TValuePtr> elements_;
+    bool boxed_ = false;
+    std::vector<TPacked> numbers_;     // while !boxed_
+    std::vector<TValuePtr> objects_;   // once boxed_
+    // The value objects GetVal made for unboxed numbers, by script index.
+    mutable std::unordered_map<int, std::unique_ptr<TNumberValue>> handedOut_;
 };
 
 // A fresh default value of a type: 0, "", False or an empty array.

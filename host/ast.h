@@ -106,14 +106,30 @@ struct TBlock {
     std::vector<TStmtPtr> statements;
     void Exec(TExec& ex) const
     {
+        if (ex.observer) {
+            ExecObserved(ex);
+            return;
+        }
         for (const TStmtPtr& s : statements) {
-            if (ex.observer) ex.observer->BeforeStatement(ex, s->Line());
-            if (ex.StopRequested()) {
-                ex.line = s->Line();  // a stop names the statement it did not run
-                throw TRunStopped{};
-            }
+            if (ex.StopRequested()) [[unlikely]] Stopped(ex, *s);
             s->Exec(ex);
         }
+    }
+
+private:
+    // The same with the observer told of each statement; the observer is set before a run starts.
+    void ExecObserved(TExec& ex) const
+    {
+        for (const TStmtPtr& s : statements) {
+            ex.observer->BeforeStatement(ex, s->Line());
+            if (ex.StopRequested()) Stopped(ex, *s);
+            s->Exec(ex);
+        }
+    }
+    [[noreturn]] static void Stopped(TExec& ex, const TStmt& s)
+    {
+        ex.line = s.Line();  // a stop names the statement it did not run
+        throw TRunStopped{};
     }
 };
 

@@ -299,9 +299,7 @@ void TSetLengthCall::Exec(TExec& ex) const
         GrowArray(ex, var.GetName(), array, length);
         return;
     }
-    auto cut = std::make_shared<TArrayValue>(array.GetElementKind());
-    for (int i = 1; i <= static_cast<int>(length); ++i) cut->Append(array.GetVal(i).Clone());
-    var.value.array = std::move(cut);
+    array.Resize(static_cast<int>(length));
 }
 
 TStmtPtr MakeBuiltinStatement(int line, const TBuiltin& builtin, std::vector<TBoundArg> args)

@@ -29,10 +29,10 @@ TParamList TCommandCall::BuildParams(TExec& ex) const
             TVal v;
             arg.value->Eval(ex, v);
             v = ParamValue(std::move(v), decl);
-            params.AddValue(decl.name, ValText(v), ToValue(v));
+            params.AddValue(decl.name, ToValue(v));
         } else if (defaults_[i].present) {
             if (defaults_[i].value) {
-                params.AddValue(decl.name, ValText(*defaults_[i].value), ToValue(*defaults_[i].value));
+                params.AddValue(decl.name, ToValue(*defaults_[i].value));
             } else {
                 params.AddString(decl.name, QString());
             }
@@ -46,15 +46,15 @@ void TCommandCall::Exec(TExec& ex) const
     ex.line = Line();
     ex.CheckStop();
     TParamList params = BuildParams(ex);
-    RunCommandBody(command_, params);
+    RunCommandBody(command_, onThisThread_, params);
     ex.line = Line();
     ex.CheckStop();
 }
 
-void RunCommandBody(TDVThreadRunEdit& command, TParamList& params)
+void RunCommandBody(TDVThreadRunEdit& command, TDVFuncRunEdit* onThisThread, TParamList& params)
 {
-    if (auto* func = dynamic_cast<TDVFuncRunEdit*>(&command)) {
-        func->Run(params);
+    if (onThisThread) {
+        onThisThread->Run(params);
         return;
     }
     std::exception_ptr failure;

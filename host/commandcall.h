@@ -17,13 +17,18 @@ struct TCommandDefault {
 class TCommandCall final : public TStmt {
 public:
     TCommandCall(int line, TDVThreadRunEdit& command, std::vector<TBoundArg> args, std::vector<TCommandDefault> defaults)
-        : TStmt(line), command_(command), args_(std::move(args)), defaults_(std::move(defaults)) {}
+        : TStmt(line),
+          command_(command),
+          onThisThread_(dynamic_cast<TDVFuncRunEdit*>(&command)),
+          args_(std::move(args)),
+          defaults_(std::move(defaults)) {}
     void Exec(TExec& ex) const override;
     // The parameter list of this call as the command gets it; raises for an undeclared var argument.
     TParamList BuildParams(TExec& ex) const;
 
 private:
     TDVThreadRunEdit& command_;
+    TDVFuncRunEdit* onThisThread_;  // the command when it runs on the interpreter's thread
     std::vector<TBoundArg> args_;  // one per signature parameter
     std::vector<TCommandDefault> defaults_;
 };
@@ -33,6 +38,7 @@ private:
 TVal ParamValue(TVal v, const TDVParamDecl& decl);
 // Runs the command body: Run on this thread, or RunThreaded on a worker while this thread waits
 // (keeping the application's event loop alive so that the worker can synchronise with it).
-void RunCommandBody(TDVThreadRunEdit& command, TParamList& params);
+// onThisThread: the command as a TDVFuncRunEdit, nullptr when it is none.
+void RunCommandBody(TDVThreadRunEdit& command, TDVFuncRunEdit* onThisThread, TParamList& params);
 
 }  // namespace dv::host

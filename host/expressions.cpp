@@ -4,6 +4,7 @@
 #include "framework/exceptions.h"
 #include "framework/services.h"
 #include "framework/translate.h"
+#include "host/numericnodes.h"
 
 #include <cmath>
 
@@ -48,14 +49,31 @@ int ArrayIndex(long double x)
     return static_cast<int>(x);
 }
 
-void TIndexExpr::Eval(TExec& ex, TVal& out) const
+namespace {
+
+const TArrayValue& IndexedArray(const TExec& ex, const TVarRef& ref)
 {
-    const int index = ArrayIndex(index_->Num(ex));
-    const TVariable& var = array_->Var(ex);
+    const TVariable& var = ref.Var(ex);
     if (var.value.kind != TValueKind::Array) {
         throw TDVRuntimeException(Format(_("Die Variable \"%s\" ist kein Array."), {var.GetName()}));
     }
-    out = FromValue(var.value.array->GetVal(index));
+    return *var.value.array;
+}
+
+}  // namespace
+
+void TIndexExpr::Eval(TExec& ex, TVal& out) const
+{
+    const int index = ArrayIndex(index_->Num(ex));
+    out = ElementValue(IndexedArray(ex, *array_), index);
+}
+
+long double TIndexExpr::Num(TExec& ex) const
+{
+    const int index = ArrayIndex(index_->Num(ex));
+    const TArrayValue& array = IndexedArray(ex, *array_);
+    if (array.GetKindAt(index) == TValueKind::Number) return array.GetNumber(index);
+    return RequireNumber(ElementValue(array, index));
 }
 
 TValueKind TIndexExpr::StaticKind() const
@@ -74,7 +92,7 @@ long double Division(TOp op, long double a, long double b)
 
 namespace {
 
-bool Compare(TOp op, int order)
+bool CompareOrder(TOp op, int order)
 {
     switch (op) {
     case TOp::Eq: return order == 0;
@@ -88,8 +106,6 @@ bool Compare(TOp op, int order)
     return false;
 }
 
-int NumberOrder(long double a, long double b) { return a < b ? -1 : (a > b ? 1 : 0); }
-
 [[noreturn]] void Incompatible(const TVal& a, const TVal& b)
 {
     throw TDVRuntimeException(Format(_("Typen unverträglich: %s und %s"), {KindName(a.kind), KindName(b.kind)}));
@@ -102,15 +118,15 @@ bool IsComparison(TOp op) { return op >= TOp::Eq && op <= TOp::Ge; }
 bool CompareValues(TOp op, const TVal& a, const TVal& b)
 {
     using K = TValueKind;
-    if (a.kind == K::Number && b.kind == K::Number) return Compare(op, NumberOrder(a.number, b.number));
-    if (a.kind == K::String && b.kind == K::String) return Compare(op, QString::compare(a.text, b.text));
-    if (a.kind == K::Boolean && b.kind == K::Boolean) return Compare(op, int(a.boolean) - int(b.boolean));
+    if (a.kind == K::Number && b.kind == K::Number) return CompareNumbers(op, a.number, b.number);
+    if (a.kind == K::String && b.kind == K::String) return CompareOrder(op, QString::compare(a.text, b.text));
+    if (a.kind == K::Boolean && b.kind == K::Boolean) return CompareOrder(op, int(a.boolean) - int(b.boolean));
     if (a.kind == K::Array && b.kind == K::Array && (op == TOp::Eq || op == TOp::Ne)) {
-        return Compare(op, a.array->AsText() == b.array->AsText() ? 0 : 1);
+        return CompareOrder(op, a.array->AsText() == b.array->AsText() ? 0 : 1);
     }
     // A number text (as commands write into Misc variables) compares with a number by value.
-    if (a.kind == K::Number && b.kind == K::String) return Compare(op, NumberOrder(a.number, DVStrToFloat(b.text)));
-    if (a.kind == K::String && b.kind == K::Number) return Compare(op, NumberOrder(DVStrToFloat(a.text), b.number));
+    if (a.kind == K::Number && b.kind == K::String) return CompareNumbers(op, a.number, DVStrToFloat(b.text));
+    if (a.kind == K::String && b.kind == K::Number) return CompareNumbers(op, DVStrToFloat(a.text), b.number);
     Incompatible(a, b);
 }
 
@@ -238,7 +254,8 @@ long double TNumBinary::Num(TExec& ex) const
 bool TNumBinary::Bool(TExec& ex) const
 {
     if (!IsComparison(op_)) return TExpr::Bool(ex);
-    return Compare(op_, NumberOrder(left_->Num(ex), right_->Num(ex)));
+    const long double a = left_->Num(ex);
+    return CompareNumbers(op_, a, right_->Num(ex));
 }
 
 TValueKind TNumBinary::StaticKind() const { return IsComparison(op_) ? TValueKind::Boolean : TValueKind::Number; }
@@ -246,9 +263,7 @@ TValueKind TNumBinary::StaticKind() const { return IsComparison(op_) ? TValueKin
 TExprPtr MakeBinary(int line, int column, TOp op, TExprPtr left, TExprPtr right)
 {
     const bool numeric = left->StaticKind() == TValueKind::Number && right->StaticKind() == TValueKind::Number;
-    if (numeric && !IsLogic(op)) {
-        return std::make_unique<TNumBinary>(line, column, op, std::move(left), std::move(right));
-    }
+    if (numeric && !IsLogic(op)) return MakeNumBinary(line, column, op, std::move(left), std::move(right));
     return std::make_unique<TBinary>(line, column, op, std::move(left), std::move(right));
 }
 

@@ -19,8 +19,8 @@ private:
 // A variable: a slot of the program's frame or of the running procedure's frame.
 class TVarRef final : public TExpr {
 public:
-    TVarRef(int line, int column, bool global, int slot, TDVType type)
-        : TExpr(line, column), global_(global), slot_(slot), type_(type) {}
+    TVarRef(int line, int column, bool global, int slot, TDVType type, bool varParam = false)
+        : TExpr(line, column), global_(global), varParam_(varParam), slot_(slot), type_(type) {}
     TVariable& Var(const TExec& ex) const { return (global_ ? ex.globals : ex.frame)->Slot(slot_); }
     void Eval(TExec& ex, TVal& out) const override { out = Var(ex).value; }
     long double Num(TExec& ex) const override;
@@ -28,9 +28,15 @@ public:
     const TDVType& Type() const { return type_; }
     bool Global() const { return global_; }
     int SlotIndex() const { return slot_; }
+    // The slot holds the frame's own variable of the declared type. A var parameter's slot holds
+    // the caller's variable, whose type may differ.
+    bool OwnSlot() const { return !varParam_; }
+    // A Number variable of its own: its value is read and written as a plain number.
+    bool PlainNumber() const { return OwnSlot() && type_.kind == TValueKind::Number; }
 
 private:
     bool global_;
+    bool varParam_;
     int slot_;
     TDVType type_;
 };
@@ -53,6 +59,7 @@ public:
     TIndexExpr(int line, int column, std::unique_ptr<TVarRef> array, TExprPtr index)
         : TExpr(line, column), array_(std::move(array)), index_(std::move(index)) {}
     void Eval(TExec& ex, TVal& out) const override;
+    long double Num(TExec& ex) const override;
     TValueKind StaticKind() const override;
 
 private:
@@ -79,6 +86,23 @@ inline long double Arithmetic(TOp op, long double a, long double b)
     case TOp::Mul: return a * b;
     default: return Division(op, a, b);
     }
+}
+
+// a op b for two numbers and a comparison operator. A NaN is neither below nor above anything, so it
+// compares as equal.
+inline bool CompareNumbers(TOp op, long double a, long double b)
+{
+    const int order = a < b ? -1 : (a > b ? 1 : 0);
+    switch (op) {
+    case TOp::Eq: return order == 0;
+    case TOp::Ne: return order != 0;
+    case TOp::Lt: return order < 0;
+    case TOp::Gt: return order > 0;
+    case TOp::Le: return order <= 0;
+    case TOp::Ge: return order >= 0;
+    default: break;
+    }
+    return false;
 }
 
 class TUnary final : public TExpr {
@@ -126,7 +150,7 @@ private:
     TExprPtr right_;
 };
 
-// The node for a binary operator: the numeric one when both operands are numbers.
+// The node for a binary operator: a specialised numeric one when both operands are numbers.
 TExprPtr MakeBinary(int line, int column, TOp op, TExprPtr left, TExprPtr right);
 
 // One operator and its right operand in a run of operators of the same precedence.

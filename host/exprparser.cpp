@@ -41,7 +41,8 @@ std::unique_ptr<TVarRef> TScriptParser::ResolveVariable(const TToken& name) cons
     int slot = scope_->Find(name.text);
     if (slot >= 0) {
         const bool global = scope_ == &program_.globals;
-        return std::make_unique<TVarRef>(name.line, name.column, global, slot, scope_->Symbol(slot).type);
+        const TSymbol& symbol = scope_->Symbol(slot);
+        return std::make_unique<TVarRef>(name.line, name.column, global, slot, symbol.type, symbol.isVarParam);
     }
     const TScope* globals = scope_->Globals();
     if (globals && (slot = globals->Find(name.text)) >= 0) {
@@ -203,7 +204,7 @@ TExprPtr TScriptParser::ParsePrimary()
         if (!parsed) Fail(t, _("Ungültiges Array"));
         std::vector<TExprPtr> elements;
         for (int i = 1; i <= parsed->GetSize(); ++i) {
-            elements.push_back(std::make_unique<TLiteral>(t.line, t.column, FromValue(parsed->GetVal(i))));
+            elements.push_back(std::make_unique<TLiteral>(t.line, t.column, ElementValue(*parsed, i)));
         }
         return std::make_unique<TArrayLiteral>(t.line, t.column, std::move(elements));
     }

@@ -190,7 +190,7 @@ void THost::SetVariable(const QString& name, TValuePtr value)
     const TDVType elementType{array.GetElementKind(), TValueKind::Misc};
     const long double index = m.captured(2).toDouble();
     MakeRoomFor(exec_, var->GetName(), array, index);
-    array.SetVal(static_cast<int>(index), ToValue(Coerce(FromValue(*value), elementType)));
+    StoreElement(array, static_cast<int>(index), Coerce(FromValue(*value), elementType));
 }
 
 void THost::AttachVariableEditor(QObject* control)

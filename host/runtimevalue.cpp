@@ -93,15 +93,29 @@ TVal FromValue(const TValue& value)
     return TVal::String(value.AsText());
 }
 
+TVal ElementValue(const TArrayValue& array, int index)
+{
+    if (array.GetKindAt(index) == TValueKind::Number) return TVal::Number(array.GetNumber(index));
+    return FromValue(array.GetVal(index));
+}
+
+void StoreElement(TArrayValue& array, int index, TVal v)
+{
+    if (v.kind == TValueKind::Number) {
+        array.SetNumber(index, v.number);
+    } else {
+        array.SetVal(index, ToValue(v));
+    }
+}
+
 QString ArrayToChars(const TArrayValue& array)
 {
     QString out;
     for (int i = 1; i <= array.GetSize(); ++i) {
-        const TValue& e = array.GetVal(i);
-        if (const auto* n = dynamic_cast<const TNumberValue*>(&e)) {
-            out += Chr1252(static_cast<int>(n->GetAsInt()));
+        if (array.GetKindAt(i) == TValueKind::Number) {
+            out += Chr1252(static_cast<int>(TNumberValue(array.GetNumber(i)).GetAsInt()));
         } else {
-            out += e.AsText();
+            out += array.GetText(i);
         }
     }
     return out;
@@ -126,7 +140,7 @@ TVal CoerceArray(TVal v, const TDVType& target)
     auto converted = std::make_shared<TArrayValue>(target.elementKind);
     const TDVType elementType{target.elementKind, TValueKind::Misc};
     for (int i = 1; i <= v.array->GetSize(); ++i) {
-        converted->Append(ToValue(Coerce(FromValue(v.array->GetVal(i)), elementType)));
+        StoreElement(*converted, i, Coerce(ElementValue(*v.array, i), elementType));
     }
     return TVal::Array(std::move(converted));
 }

@@ -32,6 +32,10 @@ QString ValText(const TVal& v);
 TValuePtr ToValue(const TVal& v);
 // The working value of a framework value (arrays are copied).
 TVal FromValue(const TValue& v);
+// Element `index` of an array as a working value; raises outside 1..GetSize().
+TVal ElementValue(const TArrayValue& array, int index);
+// Stores a working value as element `index` (>= 1) of an array, growing it as SetVal does.
+void StoreElement(TArrayValue& array, int index, TVal v);
 // The characters of an array used where a string is expected: number elements are Windows-1252
 // codes (rounded half to even), string elements stand for themselves.
 QString ArrayToChars(const TArrayValue& array);

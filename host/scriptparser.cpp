@@ -440,7 +440,7 @@ TStmtPtr TScriptParser::ParseNameStatement()
         TExprPtr value = ParseExpression();
         EndStatement();
         if (index) return std::make_unique<TIndexAssign>(name.line, std::move(target), std::move(index), std::move(value));
-        return std::make_unique<TAssign>(name.line, std::move(target), std::move(value));
+        return MakeAssign(name.line, std::move(target), std::move(value));
     }
     if (ResolveVariable(name)) Fail(Peek(), Format(_("\":=\" erwartet nach der Variablen %s"), {name.text}));
     std::vector<TRawArg> args;

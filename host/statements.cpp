@@ -3,6 +3,7 @@
 #include "framework/dvtools.h"
 #include "framework/exceptions.h"
 #include "framework/translate.h"
+#include "host/numericnodes.h"
 
 #include <cmath>
 
@@ -61,13 +62,11 @@ void TDeclare::Exec(TExec& ex) const
 }
 
 TAssign::TAssign(int line, std::unique_ptr<TVarRef> target, TExprPtr value)
-    : TStmt(line),
-      target_(std::move(target)),
-      value_(std::move(value)),
-      numeric_(target_->Type().kind == TValueKind::Number && value_->StaticKind() == TValueKind::Number)
+    : TStmt(line), target_(std::move(target)), value_(std::move(value))
 {
     const auto* literal = dynamic_cast<const TLiteral*>(value_.get());
-    if (target_->Type().kind == TValueKind::String && literal && literal->Value().kind == TValueKind::String) {
+    if (target_->OwnSlot() && target_->Type().kind == TValueKind::String && literal &&
+        literal->Value().kind == TValueKind::String) {
         text_ = &literal->Value().text;
     }
 }
@@ -76,17 +75,22 @@ void TAssign::Exec(TExec& ex) const
 {
     ex.line = Line();
     TVariable& var = target_->Var(ex);
-    if (numeric_) {
-        var.value.number = value_->Num(ex);
-        return;
-    }
     if (text_) {
-        var.value.text = *text_;
+        // The same literal again (a loop) leaves the shared text as it is: no reference counting.
+        if (!var.value.text.isSharedWith(*text_)) var.value.text = *text_;
         return;
     }
     TVal v;
     value_->Eval(ex, v);
     var.Assign(std::move(v));
+}
+
+TStmtPtr MakeAssign(int line, std::unique_ptr<TVarRef> target, TExprPtr value)
+{
+    if (target->PlainNumber() && value->StaticKind() == TValueKind::Number) {
+        return MakeNumAssign(line, std::move(target), std::move(value));
+    }
+    return std::make_unique<TAssign>(line, std::move(target), std::move(value));
 }
 
 void TIndexAssign::Exec(TExec& ex) const
@@ -100,10 +104,9 @@ void TIndexAssign::Exec(TExec& ex) const
     TVal v;
     value_->Eval(ex, v);
     TArrayValue& array = *var.value.array;
-    const TValueKind elementKind = array.GetElementKind();
-    TValuePtr element = ToValue(Coerce(std::move(v), {elementKind, TValueKind::Misc}));
+    TVal element = Coerce(std::move(v), {array.GetElementKind(), TValueKind::Misc});
     MakeRoomFor(ex, var.GetName(), array, index);
-    array.SetVal(index, std::move(element));
+    StoreElement(array, index, std::move(element));
 }
 
 void CheckArrayLength(const TExec& ex, const QString& name, long double length)
@@ -117,10 +120,10 @@ void GrowArray(const TExec& ex, const QString& name, TArrayValue& array, long do
 {
     if (length <= array.GetSize()) return;
     CheckArrayLength(ex, name, length);
-    const TDVType elementType{array.GetElementKind(), TValueKind::Misc};
     const int end = static_cast<int>(length);
+    array.Reserve(end);
     while (array.GetSize() < end) {
-        array.SetVal(std::min(end, array.GetSize() + kGrowthStep), DefaultValue(elementType));
+        array.Resize(std::min(end, array.GetSize() + kGrowthStep));
         ex.CheckStop();
     }
 }
@@ -151,6 +154,19 @@ void TFor::Exec(TExec& ex) const
     TVariable& var = var_->Var(ex);
     // A body with statements looks at the stop request before each of them; an empty one here.
     const bool emptyBody = body_.statements.empty();
+    if (std::fabs(from) < kMaxRounds && from == std::floor(from) && !(from == 0 && std::signbit(from))) {
+        // A whole start: the counter is the whole number from ± k, converted from an integer in
+        // one step instead of adding k to an extended number in memory; the value is the same.
+        const auto first = static_cast<std::int64_t>(from);
+        const std::int64_t step = down_ ? -1 : 1;
+        for (std::int64_t k = 0; k < rounds; ++k) {
+            var.value.kind = TValueKind::Number;
+            var.value.number = static_cast<long double>(first + step * k);
+            body_.Exec(ex);
+            if (emptyBody) ex.CheckStop();
+        }
+        return;
+    }
     for (std::int64_t k = 0; k < rounds; ++k) {
         var.value.kind = TValueKind::Number;
         var.value.number = down_ ? from - static_cast<long double>(k) : from + static_cast<long double>(k);
@@ -201,6 +217,52 @@ void TCase::Exec(TExec& ex) const
     }
 }
 
+void TProcCall::Plan() const
+{
+    plan_.clear();
+    for (std::size_t i = 0; i < args_.size(); ++i) {
+        const TDVParamDecl& param = procedure_.signature.params[i];
+        const TExpr* source = args_[i].value ? args_[i].value.get() : procedure_.defaults[i].get();
+        if (args_[i].present && param.isVar) {
+            plan_.push_back({TPass::Bind, nullptr, std::nullopt});
+        } else if (!source) {
+            plan_.push_back({TPass::Default, nullptr, std::nullopt});
+        } else if (param.type.kind == TValueKind::Number && source->StaticKind() == TValueKind::Number) {
+            plan_.push_back({TPass::Number, source, TNumberSource(*source)});
+        } else {
+            plan_.push_back({TPass::Value, source, std::nullopt});
+        }
+    }
+    planned_ = true;
+}
+
+namespace {
+
+// Gives the frame back and restores the caller's state, also when the call ends by an error.
+class TCallScope {
+public:
+    TCallScope(TExec& ex, const TProcedure& procedure)
+        : ex_(ex), procedure_(procedure), caller_(ex.frame), depth_(ex.depth), frame_(procedure.AcquireFrame()) {}
+    ~TCallScope()
+    {
+        procedure_.ReleaseFrame();
+        ex_.frame = caller_;
+        ex_.depth = depth_;
+    }
+    TCallScope(const TCallScope&) = delete;
+    TCallScope& operator=(const TCallScope&) = delete;
+    TFrame& Frame() { return frame_; }
+
+private:
+    TExec& ex_;
+    const TProcedure& procedure_;
+    TFrame* caller_;
+    int depth_;
+    TFrame& frame_;
+};
+
+}  // namespace
+
 void TProcCall::Exec(TExec& ex) const
 {
     ex.line = Line();
@@ -209,28 +271,32 @@ void TProcCall::Exec(TExec& ex) const
     if (ex.depth >= kMaxCallDepth || here < ex.stackLimit) {
         throw TDVRuntimeException(Format(_("Zu tiefe Rekursion beim Aufruf von %s"), {procedure_.signature.name}));
     }
-    TFrame frame(procedure_.scope);
-    for (std::size_t i = 0; i < args_.size(); ++i) {
-        const TBoundArg& arg = args_[i];
+    if (!planned_) Plan();
+    TCallScope call(ex, procedure_);
+    TFrame& frame = call.Frame();
+    // Arguments are evaluated in the caller's frame.
+    for (std::size_t i = 0; i < plan_.size(); ++i) {
+        const TPlan& p = plan_[i];
         const int slot = static_cast<int>(i);
-        if (arg.present && procedure_.signature.params[i].isVar) {
-            if (!arg.ref) Undeclared(arg.name);
-            frame.Bind(slot, arg.ref->Var(ex));
-            continue;
+        switch (p.pass) {
+        case TPass::Bind:
+            if (!args_[i].ref) Undeclared(args_[i].name);
+            frame.Bind(slot, args_[i].ref->Var(ex));
+            break;
+        case TPass::Number: frame.Own(slot).value.number = p.number->Get(ex); break;
+        case TPass::Value: {
+            TVal v;
+            p.source->Eval(ex, v);
+            frame.Own(slot).Assign(std::move(v));
+            break;
         }
-        // An input argument, or a left-out parameter that takes its default.
-        const TExpr* source = arg.value ? arg.value.get() : procedure_.defaults[i].get();
-        if (!source) continue;
-        TVal v;
-        source->Eval(ex, v);
-        frame.Own(slot).Assign(std::move(v));
+        case TPass::Default: frame.Own(slot).SetDefault(); break;
+        }
     }
-    TFrame* caller = ex.frame;
+    for (int slot = static_cast<int>(args_.size()); slot < procedure_.scope.Size(); ++slot) frame.Own(slot).SetDefault();
     ex.frame = &frame;
     ++ex.depth;
     procedure_.body.Exec(ex);
-    --ex.depth;
-    ex.frame = caller;
     ex.line = Line();
 }
 

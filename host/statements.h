@@ -2,6 +2,9 @@
 // Statement nodes: declarations, assignments, the blocks, calls of script procedures, Log and Check.
 #include "framework/signature.h"
 #include "host/expressions.h"
+#include "host/numericnodes.h"
+
+#include <optional>
 
 namespace dv::host {
 
@@ -25,9 +28,11 @@ public:
 private:
     std::unique_ptr<TVarRef> target_;
     TExprPtr value_;
-    bool numeric_;  // a number into a Number variable: no value object on the way
-    const QString* text_ = nullptr;  // a string literal into a String variable: its text
+    const QString* text_ = nullptr;  // a string literal into a String variable of its own: its text
 };
+
+// The statement `target := value`: a plain number store when both are numbers.
+TStmtPtr MakeAssign(int line, std::unique_ptr<TVarRef> target, TExprPtr value);
 
 class TIndexAssign final : public TStmt {
 public:
@@ -119,6 +124,19 @@ struct TProcedure {
     TBlock body;
     int line = 0;
     bool defined = false;
+
+    // A frame for one more call; frames are made by the first call that needs them (one per level
+    // of recursion) and serve every later call, so that a call allocates nothing.
+    TFrame& AcquireFrame() const
+    {
+        if (framesInUse_ == frames_.size()) frames_.push_back(std::make_unique<TFrame>(scope));
+        return *frames_[framesInUse_++];
+    }
+    void ReleaseFrame() const noexcept { frames_[--framesInUse_]->Release(); }
+
+private:
+    mutable std::vector<std::unique_ptr<TFrame>> frames_;
+    mutable std::size_t framesInUse_ = 0;
 };
 
 // One argument of a call, bound to its parameter.
@@ -136,8 +154,26 @@ public:
     void Exec(TExec& ex) const override;
 
 private:
+    // How an argument reaches its parameter.
+    enum class TPass : unsigned char {
+        Bind,     // a var argument: the slot names the caller's variable
+        Number,   // a number into a Number parameter: stored as it is
+        Value,    // any other value, converted to the parameter's type
+        Default,  // left out, and no default expression: the type's default
+    };
+    struct TPlan {
+        TPass pass;
+        const TExpr* source;  // the argument or the parameter's default; nullptr for Bind and Default
+        std::optional<TNumberSource> number;  // for Number
+    };
+    // Made at the first call: a procedure called above its definition has no defaults yet when
+    // the call is read.
+    void Plan() const;
+
     const TProcedure& procedure_;
     std::vector<TBoundArg> args_;
+    mutable std::vector<TPlan> plan_;
+    mutable bool planned_ = false;
 };
 
 // Log(Text : Misc) and Check(Condition : Boolean; Text : String = "").

@@ -27,8 +27,19 @@ void TVariable::SetDefault()
     case TValueKind::Boolean: value = TVal::Boolean(false); break;
     case TValueKind::Array: value = TVal::Array(std::make_shared<TArrayValue>(type_.elementKind)); break;
     case TValueKind::Number:
+        // Nothing but the number to reset (see the invariant): procedure calls reset their locals.
+        value.kind = TValueKind::Number;
+        value.number = 0;
+        break;
     case TValueKind::Misc: value = TVal::Number(0); break;
     }
+}
+
+void TVariable::Release() noexcept
+{
+    value.text = QString();
+    value.array.reset();
+    snapshot_.reset();
 }
 
 int TScope::Declare(const TSymbol& symbol)
@@ -45,10 +56,23 @@ int TScope::Find(const QString& name) const { return index_.value(name.toLower()
 
 TFrame::TFrame(const TScope& scope) : scope_(scope)
 {
-    slots_.reserve(static_cast<std::size_t>(scope.Size()));
+    own_.reserve(static_cast<std::size_t>(scope.Size()));
     for (int i = 0; i < scope.Size(); ++i) {
-        owned_.emplace_back(scope.Symbol(i).name, scope.Symbol(i).type);
-        slots_.push_back(&owned_.back());
+        const TSymbol& symbol = scope.Symbol(i);
+        owned_.emplace_back(symbol.name, symbol.type);
+        own_.push_back(&owned_.back());
+        const TValueKind kind = symbol.type.kind;
+        if (symbol.isVarParam || (kind != TValueKind::Number && kind != TValueKind::Boolean)) toRelease_.push_back(i);
+    }
+    slots_ = own_;
+}
+
+void TFrame::Release() noexcept
+{
+    for (int slot : toRelease_) {
+        const auto i = static_cast<std::size_t>(slot);
+        slots_[i] = own_[i];
+        own_[i]->Release();
     }
 }
 

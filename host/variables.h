@@ -24,6 +24,11 @@ public:
     // Stores a value converted to the variable's type; arrays are copied unless unshared.
     void Assign(TVal v);
     void SetDefault();
+    // Lets go of a text's or an array's memory; the value is undefined until the next SetDefault or
+    // Assign (a procedure's frame between two calls).
+    void Release() noexcept;
+    // Invariant: a variable of type Number always holds a number, so reading value.number needs no
+    // look at value.kind.
     TVal value;
 
 private:
@@ -56,6 +61,7 @@ private:
 };
 
 // The variables of one running scope. A var parameter's slot points at the caller's variable.
+// A procedure's frames are made once and used again by later calls (see TProcedure).
 class TFrame {
 public:
     explicit TFrame(const TScope& scope);
@@ -63,15 +69,19 @@ public:
     TFrame& operator=(const TFrame&) = delete;
     const TScope& Scope() const { return scope_; }
     TVariable& Slot(int slot) const { return *slots_[static_cast<std::size_t>(slot)]; }
-    TVariable& Own(int slot) { return owned_[static_cast<std::size_t>(slot)]; }
+    TVariable& Own(int slot) { return *own_[static_cast<std::size_t>(slot)]; }
     void Bind(int slot, TVariable& variable) { slots_[static_cast<std::size_t>(slot)] = &variable; }
     // The variable of that name in this frame, or nullptr.
     TVariable* Find(const QString& name) const;
+    // After a call: every slot back to its own variable, and no text or array kept alive.
+    void Release() noexcept;
 
 private:
     const TScope& scope_;
-    std::deque<TVariable> owned_;
-    std::vector<TVariable*> slots_;
+    std::deque<TVariable> owned_;     // addresses stay valid
+    std::vector<TVariable*> own_;     // own_[slot] is &owned_[slot]
+    std::vector<TVariable*> slots_;   // own_, or the caller's variable for a var parameter
+    std::vector<int> toRelease_;      // var parameters and variables that can hold a text or an array
 };
 
 }  // namespace dv::host

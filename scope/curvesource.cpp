@@ -55,10 +55,11 @@ class TImageOutside {};
 
 double Number(const QString& text) { return StrToFloatP(VarAccess().ResolveText(text)); }
 
-double ElementNumber(const TValue& v)
+// Element i of an array as a number; an element of another kind is read from its text.
+double ElementNumber(const TArrayValue& array, int i)
 {
-    if (const auto* n = dynamic_cast<const TNumberValue*>(&v)) return static_cast<double>(n->GetVal());
-    return StrToFloatP(v.AsText());
+    if (array.GetKindAt(i) == TValueKind::Number) return static_cast<double>(array.GetNumber(i));
+    return StrToFloatP(array.GetText(i));
 }
 
 // The values of a variable: the elements of an array, else its one value (a text naming no
@@ -68,7 +69,7 @@ std::vector<double> VariableValues(const QString& name)
     if (TDVVariable* var = VarAccess().FindVariable(name.trimmed())) {
         if (const auto* array = dynamic_cast<const TArrayValue*>(&var->GetValue())) {
             std::vector<double> values(static_cast<std::size_t>(array->GetSize()));
-            for (int i = 1; i <= array->GetSize(); ++i) values[static_cast<std::size_t>(i - 1)] = ElementNumber(array->GetVal(i));
+            for (int i = 1; i <= array->GetSize(); ++i) values[static_cast<std::size_t>(i - 1)] = ElementNumber(*array, i);
             return values;
         }
     }
@@ -101,7 +102,7 @@ TCurvePoints ArrayPoints(const TCurveSource& s, const TSizeHint& hint)
     hint(static_cast<std::size_t>(array.GetSize()));
     TCurvePoints p;
     p.y.resize(static_cast<std::size_t>(array.GetSize()));
-    for (int i = 1; i <= array.GetSize(); ++i) p.y[static_cast<std::size_t>(i - 1)] = ElementNumber(array.GetVal(i));
+    for (int i = 1; i <= array.GetSize(); ++i) p.y[static_cast<std::size_t>(i - 1)] = ElementNumber(array, i);
     p.x = SampleTimes(p.y.size(), Number(s.second));
     return p;
 }

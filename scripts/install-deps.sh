@@ -13,6 +13,7 @@ packages=(
   qt6-httpserver-dev qt6-websockets-dev qt6-webengine-dev
   clang-14 libclang-rt-14-dev
   python3-opencv
+  lua5.4  # benchmark only: the interpreter's reference
 )
 missing=()
 for p in "${packages[@]}"; do

@@ -56,11 +56,11 @@ QString TDVCmdArrayToString::Join(const TValue& array)
     QString result;
     result.reserve(elements->GetSize());
     for (int i = 1; i <= elements->GetSize(); ++i) {
-        const TValue& value = elements->GetVal(i);
-        if (const auto* text = dynamic_cast<const TStringValue*>(&value)) {
-            result += text->GetVal();
-        } else if (const auto* number = dynamic_cast<const TNumberValue*>(&value)) {
-            const std::int64_t code = RoundHalfEven(number->GetVal());
+        const TValueKind kind = elements->GetKindAt(i);
+        if (kind == TValueKind::String) {
+            result += elements->GetText(i);
+        } else if (kind == TValueKind::Number) {
+            const std::int64_t code = RoundHalfEven(elements->GetNumber(i));
             result += Chr1252(code < 0 || code > 255 ? -1 : static_cast<int>(code));
         }
     }
@@ -69,10 +69,11 @@ QString TDVCmdArrayToString::Join(const TValue& array)
 
 // The host hands Arr with its evaluated array attached, and GetValue gives it back as it is: string
 // elements keep their text whatever characters they hold. Only a list without a value (an older
-// line read as text) has its text parsed.
+// line read as text) has its text parsed. Arr's printed text is not asked for: the list makes it
+// only on request, and for a large array it would cost more than the joining.
 void TDVCmdArrayToString::Run(TParamList& params)
 {
-    SetParams(params);
+    fields_.str = params.GetString(QStringLiteral("Str"));
     const TValuePtr array = params.GetValue(QStringLiteral("Arr"));
     VarAccess().SetVariable(fields_.str, std::make_unique<TStringValue>(Join(*array)));
 }

@@ -95,10 +95,9 @@ long double SumOfArray(const TValue& value)
     const auto* array = dynamic_cast<const TArrayValue*>(&value);
     if (!array) InvalidCast();
     long double sum = 0;
-    for (int i : array->GetIndices()) {
-        const auto* element = dynamic_cast<const TNumberValue*>(&array->GetVal(i));
-        if (!element) InvalidCast();
-        sum += element->GetVal();
+    for (int i = 1; i <= array->GetSize(); ++i) {
+        if (array->GetKindAt(i) != TValueKind::Number) InvalidCast();
+        sum += array->GetNumber(i);
     }
     return sum;
 }
