@@ -262,7 +262,7 @@ int RunFirstCall(TFirstCallPath path, int log2, const std::string& folder)
         params.AddString(QStringLiteral("Special"), QString());
         // Every call writes into an empty result array, as the first one does.
         auto emptyResult = [&] { host.SetVariable(QStringLiteral("R"), std::make_unique<dv::TArrayValue>(dv::TValueKind::Number)); };
-        PrintFirstAndRepeat(log2, [&] { dv::host::RunCommandBody(*scope, params); }, emptyResult);
+        PrintFirstAndRepeat(log2, [&] { dv::host::RunCommandBody(*scope, nullptr, params); }, emptyResult);
         const auto* r = dynamic_cast<const dv::TArrayValue*>(&host.FindVariable(QStringLiteral("R"))->GetValue());
         return r != nullptr && static_cast<std::size_t>(r->GetSize()) == lines - 1 ? 0 : 1;
     }
