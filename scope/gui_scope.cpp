@@ -22,7 +22,7 @@ namespace {
 // Written by the GUI thread during the synchronised run, read by the worker after it returned.
 std::atomic<bool> g_waitEnabled{false};
 
-std::function<void()> g_shownHook;
+std::function<void()> g_afterRunHook;
 
 // A fault already reported and answered with Cancel: the run ends without a second dialog.
 struct TRunCancelled {};
@@ -80,7 +80,7 @@ void TScopeState::Start()
         ReportExecutionFault(_("Scope-Plugin: Fehler bei der Befehlsausführung !") + '\n' + e.Message());
     }
     g_waitEnabled = s.WaitEnabled;
-    if (m.Visible && g_shownHook) g_shownHook();
+    if (g_afterRunHook) g_afterRunHook();
 }
 
 void TScopeState::ClearScope()
@@ -206,7 +206,7 @@ void TScopeState::Continue()
     ContinueEvent.SignalStop();
 }
 
-void SetShownHook(std::function<void()> hook) { g_shownHook = std::move(hook); }
+void SetAfterRunHook(std::function<void()> hook) { g_afterRunHook = std::move(hook); }
 
 TScopeState& Scope()
 {

@@ -9,6 +9,7 @@
 #include "scope/scopemodel.h"
 
 #include <QApplication>
+#include <QCloseEvent>
 #include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -89,15 +90,21 @@ TFormScope::TFormScope(bool live, QWidget* parent) : QWidget(parent, Qt::Window)
     SetWeiterLook(false);
     weiter_->setEnabled(false);
 
-    SetShownHook([this] { AfterRun(); });
+    SetAfterRunHook([this] { AfterRun(); });
     if (live_) SetScopeDialogs(this);
 }
 
 TFormScope::~TFormScope()
 {
-    SetShownHook({});
     if (live_) SetScopeDialogs(nullptr);
     if (g_window == this) g_window = nullptr;
+    // A second window (a test's) hands the runs back to the library's window.
+    if (g_window) {
+        SetAfterRunHook([w = g_window] { w->AfterRun(); });
+        if (g_window->live_) SetScopeDialogs(g_window);
+    } else {
+        SetAfterRunHook({});
+    }
 }
 
 void TFormScope::AfterRun()
@@ -126,7 +133,15 @@ void TFormScope::AfterRun()
             hide();
         }
     }
-    WritePicture();
+    lastPicture_.clear();
+    if (m.Visible) WritePicture();
+}
+
+void TFormScope::closeEvent(QCloseEvent* event)
+{
+    // Closed by the user: a later "[KEEP]" leaves it closed.
+    ScopeModel().Visible = false;
+    QWidget::closeEvent(event);
 }
 
 void TFormScope::ShowEnvelopeTools(bool down)
@@ -138,7 +153,6 @@ void TFormScope::ShowEnvelopeTools(bool down)
 
 void TFormScope::WritePicture()
 {
-    lastPicture_.clear();
     const QString path = NextArtifactPath(QStringLiteral("scope"), QStringLiteral("png"));
     if (path.isEmpty()) return;
     if (!display_->Picture().save(path, "PNG")) {
