@@ -12,6 +12,7 @@
 #include "scope/scopetags.h"
 
 #include <atomic>
+#include <exception>
 
 namespace dv {
 
@@ -78,6 +79,10 @@ void TScopeState::Start()
     } catch (const TDravikException& e) {
         s.WaitEnabled = false;
         ReportExecutionFault(_("Scope-Plugin: Fehler bei der Befehlsausführung !") + '\n' + e.Message());
+    } catch (const std::exception& e) {
+        // Out of memory or a library's own fault: the scope's dialog all the same, never a crash.
+        s.WaitEnabled = false;
+        ReportExecutionFault(_("Scope-Plugin: Fehler bei der Befehlsausführung !") + '\n' + QString::fromLocal8Bit(e.what()));
     }
     g_waitEnabled = s.WaitEnabled;
     if (g_afterRunHook) g_afterRunHook();
