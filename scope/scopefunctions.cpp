@@ -1,8 +1,10 @@
 #include "scope/scopefunctions.h"
 
 #include "analysis/curvefunctions.h"
+#include "framework/exceptions.h"
 #include "framework/intconvert.h"
 #include "framework/services.h"
+#include "framework/translate.h"
 
 #include <limits>
 
@@ -21,13 +23,9 @@ const QString& Resolve(QString& field)
 
 double ResolvedNumber(QString& field) { return StrToFloatP(Resolve(field)); }
 
-// A number only when the whole text is one; otherwise def.
-double StrictNumber(const QString& text, double def)
-{
-    bool ok = false;
-    const double v = text.trimmed().toDouble(&ok);
-    return ok ? v : def;
-}
+// A typed number ("," or "." as the decimal separator) only when the whole text is one;
+// otherwise def.
+double StrictNumber(const QString& text, double def) { return ReadFloatP(text).value_or(def); }
 
 QString YUnit(const TDecodedSettings& s) { return s.UnitTextY.isEmpty() ? QStringLiteral("V") : s.UnitTextY; }
 
@@ -82,6 +80,15 @@ TFxOutcome PeakFunction(TDecodedSettings& s, int ch)
     return out;
 }
 
+// The functions measure the curves 1 to 4. The envelopes (5, 6) and the further curve (7) are
+// no channel: measuring an envelope against itself would only look like a result.
+int Channel(const QString& text)
+{
+    const int ch = StrToInt(text);
+    if (ch < 1 || ch > kCurveSlots) throw TDravikException(Format(_("Ungültige Kurvennummer %d"), {QString::number(ch)}));
+    return ch;
+}
+
 TFxOutcome FilterFunction(TDecodedSettings& s, int ch)
 {
     const double rate = ResolvedNumber(s.FxArg[0]);
@@ -105,7 +112,7 @@ TFxOutcome FilterFunction(TDecodedSettings& s, int ch)
 
 TFxOutcome RunFunction(TDecodedSettings& s)
 {
-    const int ch = StrToInt(s.FxChannel);
+    const int ch = Channel(s.FxChannel);  // "1" for the phase shift, which names its curves itself
     const auto byteCh = static_cast<unsigned char>(ch);
     TFxOutcome out;
     switch (s.FxFunction) {
@@ -151,8 +158,8 @@ TFxOutcome RunFunction(TDecodedSettings& s)
     case TScopeFnc::Peak: out = PeakFunction(s, ch); break;
     case TScopeFnc::PhaseShift: {
         const int count = StrToInt(Resolve(s.FxArg[2]));
-        const int a = StrToInt(s.FxArg[0]);
-        const int b = StrToInt(s.FxArg[1]);
+        const int a = Channel(s.FxArg[0]);
+        const int b = Channel(s.FxArg[1]);
         out.label = QStringLiteral("Phasenverschiebung");
         out.number = Phasenverschiebung(static_cast<unsigned char>(a), static_cast<unsigned char>(b), count);
         out.unit = QStringLiteral("°");
