@@ -237,6 +237,13 @@ void TDVCmdScope::RunThreaded(TParamList& params)
     if (!scope::g_waitEnabled) return;
     if (!scope::ScopeDialogs().BeginWait()) return;
     WaitForEvents({{state.ContinueEvent.StopHandle(), POLLIN}}, &TestEnvironment().GetRunControl(), -1);
+    if (state.ContinueEvent.StopRequested()) return;
+    // Ended by the stop: "Weiter" no longer offers to go on.
+    Synchronize([] {
+        scope::ScopeModel().WeiterEnabled = false;
+        scope::ScopeModel().BlinkTimerActive = false;
+        scope::ScopeDialogs().EndWait();
+    });
 }
 
 }  // namespace dv

@@ -178,12 +178,17 @@ void TFormScope::Blink()
     SetWeiterLook(blinkOn_);
 }
 
-void TFormScope::Weiter()
+void TFormScope::EndWait()
 {
     blink_->stop();
     blinkOn_ = false;
     SetWeiterLook(false);
     weiter_->setEnabled(false);
+}
+
+void TFormScope::Weiter()
+{
+    EndWait();
     Scope().Continue();
 }
 

@@ -42,6 +42,7 @@ public:
     void ShowDecodeError(const QString& text) override;
     void ShowInformation(const QString& text) override;
     bool BeginWait() override { return true; }
+    void EndWait() override;
 
 protected:
     void closeEvent(QCloseEvent* event) override;

@@ -19,6 +19,8 @@ public:
     // Called when a run asks to wait: true when the worker is to wait for "Weiter" or stop, false
     // when it goes on at once.
     virtual bool BeginWait() = 0;
+    // Called when a wait that BeginWait began ended by the test's stop rather than by "Weiter".
+    virtual void EndWait() {}
 };
 
 // Without a window: "Ignorieren" ignores an error, "Abbrechen" or no answer cancels; "Weiter"

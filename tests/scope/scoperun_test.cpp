@@ -140,6 +140,30 @@ TEST_F(ScopeCall, PeakToleranceDefaults)
     EXPECT_EQ(span.output, QStringList{"3"});
 }
 
+// "[SETSCALE:": steps as decoded integers, the zero point rounded with halves to even.
+TEST_F(ScopeCall, ScaleStepsAndZeroPoint)
+{
+    test::TTestHost host;
+    struct Row {
+        const char* special;
+        int xStep, yStep, zeroY;
+    };
+    const Row rows[] = {
+        {"[SETSCALE:$12:9:0:0.01:0:270]", 18, 9, 270},  // 270.5
+        {"[SETSCALE:18:$9:0:0.05:0:270]", 18, 9, 272},  // 272.5
+        {"[SETSCALE: 3:4:0:0:0:135]", 3, 4, 135},
+    };
+    for (const Row& r : rows) {
+        Scope().Command = "[HIDE]";
+        Scope().Special = r.special;
+        Scope().Start();
+        EXPECT_EQ(host.stopCalls, 0) << r.special;
+        EXPECT_EQ(ScopeModel().XDivStep, r.xStep) << r.special;
+        EXPECT_EQ(ScopeModel().YDivStep, r.yStep) << r.special;
+        EXPECT_EQ(ScopeModel().ZeroY, r.zeroY) << r.special;
+    }
+}
+
 // Every function's label, channel label and unit as the result area shows them.
 TEST_F(ScopeCall, EachFunctionShowsItsLabelChannelAndUnit)
 {
