@@ -200,6 +200,8 @@ TErrorAnswer TFormScope::ShowExecutionError(const QString& text)
 
 void TFormScope::ShowDecodeError(const QString& text) { QMessageBox::critical(this, _("Fehler"), text, QMessageBox::Ok); }
 
+void TFormScope::ShowCancelError(const QString& text) { QMessageBox::critical(this, _("Fehler"), text, QMessageBox::Cancel); }
+
 void TFormScope::ShowInformation(const QString& text) { QMessageBox::information(this, _("Information"), text); }
 
 void InstallScopeWindow()

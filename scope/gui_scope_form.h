@@ -40,6 +40,7 @@ public:
     // IScopeDialogs
     TErrorAnswer ShowExecutionError(const QString& text) override;
     void ShowDecodeError(const QString& text) override;
+    void ShowCancelError(const QString& text) override;
     void ShowInformation(const QString& text) override;
     bool BeginWait() override { return true; }
     void EndWait() override;

@@ -5,6 +5,8 @@
 #include "framework/intconvert.h"
 #include "framework/services.h"
 #include "framework/translate.h"
+#include "scope/envelopefile.h"
+#include "scope/scopedialogs.h"
 
 #include <limits>
 
@@ -108,6 +110,22 @@ TFxOutcome FilterFunction(TDecodedSettings& s, int ch)
     return out;
 }
 
+// The envelope comparison loads its file with the window's fault dialogs: a missing file offers
+// only Cancel and ends the test, any other fault asks Cancel or Ignore. False: not loaded.
+bool EnvelopeLoads(const QString& file)
+{
+    try {
+        LoadHK(analysis::ScopeStore(), file);
+        return true;
+    } catch (const TEnvelopeFileMissing& e) {
+        ScopeDialogs().ShowCancelError(e.Message());
+        TestEnvironment().StopTest();
+    } catch (const TDravikException& e) {
+        ReportExecutionFault(EnvelopeLoadFaultText(file, e.Message()));
+    }
+    return false;
+}
+
 }  // namespace
 
 TFxOutcome RunFunction(TDecodedSettings& s)
@@ -186,7 +204,7 @@ TFxOutcome RunFunction(TDecodedSettings& s)
         break;
     case TScopeFnc::Envelope:
         out.label = QStringLiteral("Hüllkurvenvergleich");
-        out.number = Huellkurvenvergleich(byteCh, Resolve(s.FxArg[0])) ? 1 : 0;
+        out.number = EnvelopeLoads(Resolve(s.FxArg[0])) && Huellkurvenvergleich(byteCh, s.FxArg[0]) ? 1 : 0;
         break;
     case TScopeFnc::LowPass:
     case TScopeFnc::BandPass:

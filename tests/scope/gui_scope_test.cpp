@@ -305,6 +305,7 @@ class TWaitingDialogs final : public IScopeDialogs {
 public:
     TErrorAnswer ShowExecutionError(const QString&) override { return TErrorAnswer::Cancel; }
     void ShowDecodeError(const QString&) override {}
+    void ShowCancelError(const QString&) override {}
     void ShowInformation(const QString&) override {}
     bool BeginWait() override
     {

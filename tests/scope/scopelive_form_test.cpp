@@ -4,8 +4,11 @@
 #include "scope/gui_scope.h"
 #include "scope/gui_scope_form.h"
 #include "scope/scopemodel.h"
+#include "tests/support/modal.h"
 #include "tests/support/testhost.h"
 
+#include <QMessageBox>
+#include <QPushButton>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -57,6 +60,26 @@ TEST(ScopeLiveWindow, HideHidesKeepLeavesAsItIsAndPicturesOnlyWhenShown)
     ASSERT_NE(ScopeWindow(), nullptr);
     EXPECT_FALSE(ScopeWindow()->LastPicture().isEmpty());
     SetArtifactsFolder({});
+}
+
+// The envelope comparison of a run with a missing file: an error box with Cancel only, then the
+// test stops.
+TEST(ScopeLiveWindow, AMissingEnvelopeFileOffersOnlyCancel)
+{
+    test::TTestHost host;
+    TFormScope live(true);
+    QString text;
+    QMessageBox::StandardButtons buttons;
+    test::WhenModal([&](QDialog& d) {
+        auto& box = dynamic_cast<QMessageBox&>(d);
+        text = box.text();
+        buttons = box.standardButtons();
+        box.button(QMessageBox::Cancel)->click();
+    });
+    RunScope("[CLR],[HIDE],[FX:ENVELOPE:1],[FILE:/gibt/es/nicht.HKV]");
+    EXPECT_EQ(buttons, QMessageBox::Cancel);
+    EXPECT_EQ(text, "Scope-Plugin: Fehler beim Laden der Hüllkurvendatei !\n/gibt/es/nicht.HKV existiert im agegebenen Pfad nicht !");
+    EXPECT_EQ(host.stopCalls, 1);
 }
 
 }  // namespace

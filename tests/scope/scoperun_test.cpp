@@ -140,6 +140,39 @@ TEST_F(ScopeCall, PeakToleranceDefaults)
     EXPECT_EQ(span.output, QStringList{"3"});
 }
 
+// The envelope comparison's file: missing, the dialog offers only Cancel and the test ends whatever
+// was answered; unreadable, Cancel ends the test and Ignore goes on with the verdict 0.
+TEST_F(ScopeCall, EnvelopeFileFaultsInARun)
+{
+    const QString missing = dir.filePath("fehlt.HKV");
+    struct Row {
+        QString file;
+        QStringList answers;
+        int exitCode;
+        QString log;
+    };
+    const Row rows[] = {
+        {missing, {}, 1, "Scope-Plugin: Fehler beim Laden der Hüllkurvendatei !\n" + missing + " existiert im agegebenen Pfad nicht ! (Abbrechen)"},
+        {missing, {"Scope=Ignorieren"}, 1,
+         "Scope-Plugin: Fehler beim Laden der Hüllkurvendatei !\n" + missing + " existiert im agegebenen Pfad nicht ! (Abbrechen)"},
+        {dir.path(), {}, 1, "Scope-Plugin: Fehler beim Laden der Hüllkurvendatei" + dir.path() + " !\nDie Datei " + dir.path() +
+                                 " kann nicht gelesen werden (Abbrechen)"},
+        {dir.path(), {"Scope=Ignorieren"}, 0, "Scope-Plugin: Fehler beim Laden der Hüllkurvendatei" + dir.path() + " !\nDie Datei " +
+                                                   dir.path() + " kann nicht gelesen werden (Ignorieren)"},
+    };
+    for (const Row& r : rows) {
+        warnings.clear();
+        SetHeadlessAnswers(r.answers);
+        const TScriptOutcome out = RunScriptText("var R : Number;\nvar A : Array of Number;\nA[1] := 1; A[2] := 2; A[3] := 3;\nR := 7;\n"
+                                                 "Scope(\"[CLR],[HIDE],1:[ARRAY:A,FREQ:10],[FX:ENVELOPE:1],[FILE:" + r.file +
+                                                 "],[OUT:R]\", \"\");\nLog(R);");
+        SetHeadlessAnswers({});
+        EXPECT_EQ(out.exitCode, r.exitCode) << r.log.toStdString();
+        EXPECT_EQ(out.output, r.exitCode == 0 ? QStringList{"0"} : QStringList{}) << r.log.toStdString();
+        EXPECT_EQ(Logged(), r.log);
+    }
+}
+
 // "[SETSCALE:": steps as decoded integers, the zero point rounded with halves to even.
 TEST_F(ScopeCall, ScaleStepsAndZeroPoint)
 {
