@@ -58,6 +58,7 @@ void TScopeState::Start()
     TScopeModel& m = ScopeModel();
     try {
         m.ResultText.clear();
+        m.ResultValue.reset();
         if (s.ClearData) ClearScope();
         ApplyUnits();
         if (s.UseColors) ApplyColors();
@@ -170,6 +171,8 @@ void TScopeState::RunAnalysis()
     }
     if (out.number) {
         m.ResultText = ResultText(*out.number, out.unit, s.PrefixMode);
+        m.ResultValue = out.number;
+        m.ResultUnit = out.unit;
         if (!s.ResultVar.isEmpty()) VarAccess().SetVariable(s.ResultVar, std::make_unique<TNumberValue>(*out.number));
     } else {
         m.ResultText = out.arrayText;

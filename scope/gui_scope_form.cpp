@@ -6,6 +6,7 @@
 #include "scope/gui_scope.h"
 #include "scope/scopedisplay_form.h"
 #include "scope/scopeenvelope_form.h"
+#include "scope/scopeformat.h"
 #include "scope/scopemodel.h"
 
 #include <QApplication>
@@ -82,6 +83,7 @@ TFormScope::TFormScope(bool live, QWidget* parent) : QWidget(parent, Qt::Window)
     layout->addWidget(envelope_);
     layout->addWidget(run);
     connect(envelopeButton_, &QPushButton::toggled, this, &TFormScope::ShowEnvelopeTools);
+    connect(prefix_, &QPushButton::clicked, this, &TFormScope::SwitchPrefix);
 
     blink_ = new QTimer(this);
     blink_->setInterval(1000);
@@ -142,6 +144,16 @@ void TFormScope::closeEvent(QCloseEvent* event)
     // Closed by the user: a later "[KEEP]" leaves it closed.
     ScopeModel().Visible = false;
     QWidget::closeEvent(event);
+}
+
+void TFormScope::SwitchPrefix(bool on)
+{
+    // The shown result in the other format; the next call's "[PREFIX]" decides again.
+    TScopeModel& m = ScopeModel();
+    m.PrefixButton = on;
+    if (!m.ResultValue) return;
+    m.ResultText = ResultText(*m.ResultValue, m.ResultUnit, on);
+    result_->setText(m.ResultText);
 }
 
 void TFormScope::ShowEnvelopeTools(bool down)

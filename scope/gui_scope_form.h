@@ -54,6 +54,7 @@ private:
     void SetWeiterLook(bool blinking);
     void WritePicture();
     void ShowEnvelopeTools(bool down);
+    void SwitchPrefix(bool on);
 
     bool live_;
     TScopeDisplay* display_;

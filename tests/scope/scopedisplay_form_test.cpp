@@ -234,6 +234,30 @@ TEST_F(ScopeWindowTest, SpectrumShowsLinesUpToHalfTheSampleRate)
     EXPECT_GT(columns[0] - kPlotLeft, 20);  // not crowded into the first divisions
 }
 
+// The prefix button switches the shown result between the two formats; the next call's tags
+// decide again.
+TEST_F(ScopeWindowTest, PrefixButtonSwitchesTheShownResult)
+{
+    const QString path = dir.filePath("konstant.txt");
+    WriteCurveFile(path, {{0, 1, 2}, {0.0123, 0.0123, 0.0123}}, ';');
+    Run("[CLR],1:[FILE:" + path + ",SEP:59],[FX:MID:1],[OUT:]", "");
+    auto& prefix = test::Child<QPushButton>(Window(), "BT_Prefix");
+    auto& result = test::Child<QLabel>(Window(), "LB_Result");
+    EXPECT_FALSE(prefix.isChecked());
+    EXPECT_EQ(result.text(), "0.0123 V");
+    prefix.click();
+    EXPECT_EQ(result.text(), "12.300 mV");
+    prefix.click();
+    EXPECT_EQ(result.text(), "0.0123 V");
+    Run("[PREFIX],[FX:MID:1],[OUT:]", "");
+    EXPECT_TRUE(prefix.isChecked());
+    EXPECT_EQ(result.text(), "12.300 mV");
+    // An array result has no number to switch.
+    Run("[FX:DIFFCUR:1:1:],[OUT:D]", "");
+    prefix.click();
+    EXPECT_EQ(result.text(), "im Array:");
+}
+
 TEST_F(ScopeWindowTest, HiddenScopeLeavesNoPictureAndNumbersCountOn)
 {
     const QString sine = SineFile(100, 1000, 1, 10);
