@@ -2,7 +2,8 @@
 // 1. a Scope call with a 1e6-element array source and RMS, against converting the array into a
 //    curve and running the RMS kernel alone (target: at most 2x);
 // 2. a FILE: source of 1e6 rows "x;y", against pandas.read_csv on the same file (target: at
-//    least as fast). Prints the first call and the best of the repeats, and the ratios.
+//    least as fast), both the file reader alone and a whole Scope call that draws the file into
+//    curve 1. Prints the first call and the best of the repeats, and the ratios.
 #include "analysis/curvestore.h"
 #include "analysis/kernels.h"
 #include "framework/paramlist.h"
@@ -141,5 +142,14 @@ int main()
                 rows, file.first * 1e3, file.best * 1e3, pandas.first * 1e3, pandas.best * 1e3);
     std::printf("RATIO scope_file pandas.read_csv / ours = %.2f first, %.2f repeat (target >= 1)\n", pandas.first / file.first,
                 pandas.best / file.best);
+
+    TParamList fileParams;
+    fileParams.AddString("Command", "[HIDE],1:[FILE:" + QString::fromStdString(path) + ",SEP:59]");
+    fileParams.AddString("Special", "");
+    const TTiming fileCall = Measure([&] { scope.RunThreaded(fileParams); });
+    std::printf("FILE: %d points in curve 1   Scope %8.2f ms first %8.2f ms repeat\n",
+                analysis::ScopeStore().CurveValuesCount(1), fileCall.first * 1e3, fileCall.best * 1e3);
+    std::printf("RATIO scope_file_call pandas.read_csv / Scope FILE: call = %.2f first, %.2f repeat (target >= 1)\n",
+                pandas.first / fileCall.first, pandas.best / fileCall.best);
     return 0;
 }

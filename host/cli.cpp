@@ -224,7 +224,14 @@ std::optional<QString> ParseOptions(const QStringList& args, TCliOptions& option
         } else if (a == "--seed") {
             error = value(text);
             if (!error) error = ReadCount(a, text, qint64{1} << 53, options.seed);
-        } else if (a == "--artifacts") error = value(options.artifacts);
+        } else if (a == "--artifacts") {
+            error = value(options.artifacts);
+            // A folder, existing or to be made; pictures cannot go into nothing or into a file.
+            const QFileInfo folder(options.artifacts);
+            if (!error && (options.artifacts.isEmpty() || (folder.exists() && !folder.isDir()))) {
+                error = Format(_("--artifacts erwartet einen Ordner, nicht \"%s\""), {options.artifacts});
+            }
+        }
         else if (a == "--define" || a == "--answer") {
             error = value(text);
             if (!error && !text.contains('=')) error = Format(_("%s erwartet NAME=WERT, nicht \"%s\""), {a, text});

@@ -2,9 +2,15 @@
 
 #include "framework/exceptions.h"
 #include "framework/translate.h"
+#include "framework/typeconversion.h"
 
 #include <QFile>
 #include <QSaveFile>
+#include <QStringDecoder>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <charconv>
 #include <cmath>
@@ -56,6 +62,44 @@ std::size_t RowCount(std::string_view text)
     return rows + (!text.empty() && text.back() != '\n' ? 1 : 0);
 }
 
+// Text that Windows editors save as UTF-8 with a byte order mark or as UTF-16, brought to the
+// Windows-1252 bytes a separator code names. Plain files (ASCII, Windows-1252, UTF-8 without a
+// mark) stay as they are: none.
+std::optional<QByteArray> Recoded1252(std::string_view bytes)
+{
+    auto starts = [bytes](std::string_view mark) { return bytes.substr(0, mark.size()) == mark; };
+    std::optional<QStringConverter::Encoding> encoding;
+    std::size_t skip = 0;
+    if (starts("\xEF\xBB\xBF")) {
+        encoding = QStringConverter::Utf8;
+        skip = 3;
+    } else if (starts("\xFF\xFE")) {
+        encoding = QStringConverter::Utf16LE;
+        skip = 2;
+    } else if (starts("\xFE\xFF")) {
+        encoding = QStringConverter::Utf16BE;
+        skip = 2;
+    } else if (bytes.size() >= 2 && (bytes[0] == '\0') != (bytes[1] == '\0')) {
+        // No mark, but a zero byte beside the first character: UTF-16 all the same.
+        encoding = bytes[0] == '\0' ? QStringConverter::Utf16BE : QStringConverter::Utf16LE;
+    }
+    if (!encoding) return std::nullopt;
+    QStringDecoder decode(*encoding, QStringConverter::Flag::Stateless);
+    const QString text = decode(QByteArrayView(bytes.data() + skip, static_cast<qsizetype>(bytes.size() - skip)));
+    QByteArray out(text.size(), Qt::Uninitialized);
+    for (qsizetype i = 0; i < text.size(); ++i) out[i] = static_cast<char>(Ord1252(text[i]));
+    return out;
+}
+
+// The points of a file's bytes; onRows, when given, learns the number of rows first.
+TCurvePoints ParseBytes(std::string_view bytes, char separator, const std::function<void(std::size_t rows)>& onRows)
+{
+    const std::optional<QByteArray> recoded = Recoded1252(bytes);
+    const std::string_view text = recoded ? std::string_view(recoded->constData(), static_cast<std::size_t>(recoded->size())) : bytes;
+    if (onRows) onRows(RowCount(text));
+    return ParseCurveText(text, separator);
+}
+
 }  // namespace
 
 TCurvePoints ParseCurveText(std::string_view text, char separator)
@@ -87,22 +131,29 @@ TCurvePoints ParseCurveText(std::string_view text, char separator)
 
 TCurvePoints ReadCurveFile(const QString& path, char separator, const std::function<void(std::size_t rows)>& onRows)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        throw TDravikException(Format(_("Die Kurvendatei %s kann nicht gelesen werden"), {path}));
+    const QString unreadable = Format(_("Die Kurvendatei %s kann nicht gelesen werden"), {path});
+    // Opened without waiting and looked at before reading: a pipe would wait for a writer, and a
+    // device or a folder never ends.
+    const int fd = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (fd < 0) throw TDravikException(unreadable);
+    struct stat info {};
+    if (::fstat(fd, &info) != 0 || !S_ISREG(info.st_mode)) {
+        ::close(fd);
+        throw TDravikException(Format(_("Die Kurvendatei %s ist keine gewöhnliche Datei (Ordner, Gerät oder Pipe)"), {path}));
     }
-    auto parse = [&](std::string_view text) {
-        if (onRows) onRows(RowCount(text));
-        return ParseCurveText(text, separator);
-    };
+    QFile file;
+    if (!file.open(fd, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle)) {
+        ::close(fd);
+        throw TDravikException(unreadable);
+    }
     const qint64 size = file.size();
     if (size > 0) {
         if (const uchar* mapped = file.map(0, size)) {
-            return parse(std::string_view(reinterpret_cast<const char*>(mapped), static_cast<std::size_t>(size)));
+            return ParseBytes(std::string_view(reinterpret_cast<const char*>(mapped), static_cast<std::size_t>(size)), separator, onRows);
         }
     }
     const QByteArray bytes = file.readAll();
-    return parse(std::string_view(bytes.constData(), static_cast<std::size_t>(bytes.size())));
+    return ParseBytes(std::string_view(bytes.constData(), static_cast<std::size_t>(bytes.size())), separator, onRows);
 }
 
 void WriteCurveFile(const QString& path, const TCurvePoints& points, char separator)

@@ -62,8 +62,8 @@ double ElementNumber(const TArrayValue& array, int i)
     return StrToFloatP(array.GetText(i));
 }
 
-// The values of a variable: the elements of an array, else its one value (a text naming no
-// variable is read as a number).
+// The values of a variable: the elements of an array, else its one value. A text naming no
+// variable must be a number; anything else is a misspelt name, which would plot as 0 unnoticed.
 std::vector<double> VariableValues(const QString& name)
 {
     if (TDVVariable* var = VarAccess().FindVariable(name.trimmed())) {
@@ -72,8 +72,12 @@ std::vector<double> VariableValues(const QString& name)
             for (int i = 1; i <= array->GetSize(); ++i) values[static_cast<std::size_t>(i - 1)] = ElementNumber(*array, i);
             return values;
         }
+        return {Number(name)};
     }
-    return {Number(name)};
+    const QString value = VarAccess().ResolveText(name);
+    if (value != name) return {StrToFloatP(value)};
+    if (const std::optional<double> number = analysis::ReadFloatP(name)) return {*number};
+    throw TDVRuntimeException(Format(_("Die Variable \"%s\" ist nicht deklariert."), {name.trimmed()}));
 }
 
 const TArrayValue& ArrayVariable(const QString& name)

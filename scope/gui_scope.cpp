@@ -13,6 +13,7 @@
 #include "scope/scopetags.h"
 
 #include <atomic>
+#include <exception>
 
 namespace dv {
 
@@ -23,7 +24,7 @@ namespace {
 // Written by the GUI thread during the synchronised run, read by the worker after it returned.
 std::atomic<bool> g_waitEnabled{false};
 
-std::function<void()> g_shownHook;
+std::function<void()> g_afterRunHook;
 
 // A fault already reported and answered with Cancel: the run ends without a second dialog.
 struct TRunCancelled {};
@@ -58,6 +59,7 @@ void TScopeState::Start()
     TScopeModel& m = ScopeModel();
     try {
         m.ResultText.clear();
+        m.ResultValue.reset();
         if (s.ClearData) ClearScope();
         ApplyUnits();
         if (s.UseColors) ApplyColors();
@@ -79,9 +81,13 @@ void TScopeState::Start()
     } catch (const TDravikException& e) {
         s.WaitEnabled = false;
         ReportExecutionFault(_("Scope-Plugin: Fehler bei der Befehlsausführung !") + '\n' + e.Message());
+    } catch (const std::exception& e) {
+        // Out of memory or a library's own fault: the scope's dialog all the same, never a crash.
+        s.WaitEnabled = false;
+        ReportExecutionFault(_("Scope-Plugin: Fehler bei der Befehlsausführung !") + '\n' + QString::fromLocal8Bit(e.what()));
     }
     g_waitEnabled = s.WaitEnabled;
-    if (m.Visible && g_shownHook) g_shownHook();
+    if (g_afterRunHook) g_afterRunHook();
 }
 
 void TScopeState::ClearScope()
@@ -168,6 +174,8 @@ void TScopeState::RunAnalysis()
     }
     if (out.number) {
         m.ResultText = ResultText(*out.number, out.unit, s.PrefixMode);
+        m.ResultValue = out.number;
+        m.ResultUnit = out.unit;
         if (!s.ResultVar.isEmpty()) VarAccess().SetVariable(s.ResultVar, std::make_unique<TNumberValue>(*out.number));
     } else {
         m.ResultText = out.arrayText;
@@ -209,7 +217,7 @@ void TScopeState::Continue()
     ContinueEvent.SignalStop();
 }
 
-void SetShownHook(std::function<void()> hook) { g_shownHook = std::move(hook); }
+void SetAfterRunHook(std::function<void()> hook) { g_afterRunHook = std::move(hook); }
 
 TScopeState& Scope()
 {
@@ -235,6 +243,13 @@ void TDVCmdScope::RunThreaded(TParamList& params)
     if (!scope::g_waitEnabled) return;
     if (!scope::ScopeDialogs().BeginWait()) return;
     WaitForEvents({{state.ContinueEvent.StopHandle(), POLLIN}}, &TestEnvironment().GetRunControl(), -1);
+    if (state.ContinueEvent.StopRequested()) return;
+    // Ended by the stop: "Weiter" no longer offers to go on.
+    Synchronize([] {
+        scope::ScopeModel().WeiterEnabled = false;
+        scope::ScopeModel().BlinkTimerActive = false;
+        scope::ScopeDialogs().EndWait();
+    });
 }
 
 }  // namespace dv

@@ -46,9 +46,10 @@ private:
 
 TScopeState& Scope();
 
-// Called on the GUI thread at the end of every run that leaves the scope shown (the window
-// repaints itself and, with an artifacts folder, writes its picture). Empty: nothing is called.
-void SetShownHook(std::function<void()> hook);
+// Called on the GUI thread at the end of every run, whether it leaves the scope shown, kept or
+// hidden: the window follows the model (shows or hides itself, repaints, and while shown writes
+// its picture into an artifacts folder). Empty: nothing is called.
+void SetAfterRunHook(std::function<void()> hook);
 
 }  // namespace scope
 

@@ -6,9 +6,11 @@
 #include "scope/gui_scope.h"
 #include "scope/scopedisplay_form.h"
 #include "scope/scopeenvelope_form.h"
+#include "scope/scopeformat.h"
 #include "scope/scopemodel.h"
 
 #include <QApplication>
+#include <QCloseEvent>
 #include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -81,6 +83,7 @@ TFormScope::TFormScope(bool live, QWidget* parent) : QWidget(parent, Qt::Window)
     layout->addWidget(envelope_);
     layout->addWidget(run);
     connect(envelopeButton_, &QPushButton::toggled, this, &TFormScope::ShowEnvelopeTools);
+    connect(prefix_, &QPushButton::clicked, this, &TFormScope::SwitchPrefix);
 
     blink_ = new QTimer(this);
     blink_->setInterval(1000);
@@ -89,15 +92,21 @@ TFormScope::TFormScope(bool live, QWidget* parent) : QWidget(parent, Qt::Window)
     SetWeiterLook(false);
     weiter_->setEnabled(false);
 
-    SetShownHook([this] { AfterRun(); });
+    SetAfterRunHook([this] { AfterRun(); });
     if (live_) SetScopeDialogs(this);
 }
 
 TFormScope::~TFormScope()
 {
-    SetShownHook({});
     if (live_) SetScopeDialogs(nullptr);
     if (g_window == this) g_window = nullptr;
+    // A second window (a test's) hands the runs back to the library's window.
+    if (g_window) {
+        SetAfterRunHook([w = g_window] { w->AfterRun(); });
+        if (g_window->live_) SetScopeDialogs(g_window);
+    } else {
+        SetAfterRunHook({});
+    }
 }
 
 void TFormScope::AfterRun()
@@ -126,7 +135,25 @@ void TFormScope::AfterRun()
             hide();
         }
     }
-    WritePicture();
+    lastPicture_.clear();
+    if (m.Visible) WritePicture();
+}
+
+void TFormScope::closeEvent(QCloseEvent* event)
+{
+    // Closed by the user: a later "[KEEP]" leaves it closed.
+    ScopeModel().Visible = false;
+    QWidget::closeEvent(event);
+}
+
+void TFormScope::SwitchPrefix(bool on)
+{
+    // The shown result in the other format; the next call's "[PREFIX]" decides again.
+    TScopeModel& m = ScopeModel();
+    m.PrefixButton = on;
+    if (!m.ResultValue) return;
+    m.ResultText = ResultText(*m.ResultValue, m.ResultUnit, on);
+    result_->setText(m.ResultText);
 }
 
 void TFormScope::ShowEnvelopeTools(bool down)
@@ -138,7 +165,6 @@ void TFormScope::ShowEnvelopeTools(bool down)
 
 void TFormScope::WritePicture()
 {
-    lastPicture_.clear();
     const QString path = NextArtifactPath(QStringLiteral("scope"), QStringLiteral("png"));
     if (path.isEmpty()) return;
     if (!display_->Picture().save(path, "PNG")) {
@@ -164,12 +190,17 @@ void TFormScope::Blink()
     SetWeiterLook(blinkOn_);
 }
 
-void TFormScope::Weiter()
+void TFormScope::EndWait()
 {
     blink_->stop();
     blinkOn_ = false;
     SetWeiterLook(false);
     weiter_->setEnabled(false);
+}
+
+void TFormScope::Weiter()
+{
+    EndWait();
     Scope().Continue();
 }
 
@@ -180,6 +211,8 @@ TErrorAnswer TFormScope::ShowExecutionError(const QString& text)
 }
 
 void TFormScope::ShowDecodeError(const QString& text) { QMessageBox::critical(this, _("Fehler"), text, QMessageBox::Ok); }
+
+void TFormScope::ShowCancelError(const QString& text) { QMessageBox::critical(this, _("Fehler"), text, QMessageBox::Cancel); }
 
 void TFormScope::ShowInformation(const QString& text) { QMessageBox::information(this, _("Information"), text); }
 

@@ -26,7 +26,8 @@ public:
 
     TScopeDisplay& Display() const { return *display_; }
     TEnvelopePanel& Envelope() const { return *envelope_; }
-    // Model -> window after a run; writes the picture when an artifacts folder is set.
+    // Model -> window after a run: shows or hides a live window as the model says, and writes the
+    // picture when the scope is shown and an artifacts folder is set.
     void AfterRun();
     // The picture path written by the last AfterRun; empty when none.
     const QString& LastPicture() const { return lastPicture_; }
@@ -39,8 +40,13 @@ public:
     // IScopeDialogs
     TErrorAnswer ShowExecutionError(const QString& text) override;
     void ShowDecodeError(const QString& text) override;
+    void ShowCancelError(const QString& text) override;
     void ShowInformation(const QString& text) override;
     bool BeginWait() override { return true; }
+    void EndWait() override;
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
 
 private:
     void Blink();
@@ -48,6 +54,7 @@ private:
     void SetWeiterLook(bool blinking);
     void WritePicture();
     void ShowEnvelopeTools(bool down);
+    void SwitchPrefix(bool on);
 
     bool live_;
     TScopeDisplay* display_;

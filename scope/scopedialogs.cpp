@@ -27,6 +27,8 @@ TErrorAnswer THeadlessScopeDialogs::ShowExecutionError(const QString& text)
 
 void THeadlessScopeDialogs::ShowDecodeError(const QString& text) { SystemLog.Warn(text); }
 
+void THeadlessScopeDialogs::ShowCancelError(const QString& text) { SystemLog.Warn(text + QStringLiteral(" (Abbrechen)")); }
+
 void THeadlessScopeDialogs::ShowInformation(const QString& text) { SystemLog.Warn(text); }
 
 bool THeadlessScopeDialogs::BeginWait()

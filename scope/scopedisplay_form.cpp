@@ -89,15 +89,17 @@ TViewMapping TOsci::Mapping() const
         map.pixelsPerDivision = kPixelsPerDivision;
         return map;
     }
-    // The spectrum is always shown whole: lines 0 .. n at their frequencies.
+    // The spectrum is always shown whole: lines 0 .. n at their frequencies, on a scale of its own
+    // that reaches half of any sample rate. Without a spectrum: 1 kHz per division.
     std::vector<double> freq(m.Spectrum.size());
     for (std::size_t i = 0; i < freq.size(); ++i) freq[i] = static_cast<double>(i) * m.SpectrumSpacing;
     const QRect r = PlotRect();
     map.pixelsPerDivision = kPixelsPerDivision / 2.0;
-    const TAutoScale a = AutoScale({{freq, m.Spectrum}}, r.left(), r.width(), r.height(), map.pixelsPerDivision);
+    const std::span<const double> steps = FrequencyDivisionSteps();
+    const TAutoScale a = AutoScale({{freq, m.Spectrum}}, r.left(), r.width(), r.height(), map.pixelsPerDivision, steps);
     map.zeroX = a.valid ? a.zeroX : r.left();
     map.zeroY = a.valid ? a.zeroY : r.height() / 2.0;
-    map.xStep = XDivisionSteps()[static_cast<std::size_t>(a.xStep)];
+    map.xStep = a.valid ? steps[static_cast<std::size_t>(a.xStep)] : 1000.0;
     map.yStep = YDivisionSteps()[static_cast<std::size_t>(a.yStep)];
     return map;
 }

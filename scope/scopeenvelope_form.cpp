@@ -14,6 +14,7 @@
 #include <QPushButton>
 
 #include <algorithm>
+#include <cmath>
 #include <optional>
 
 namespace dv::scope {
@@ -41,7 +42,8 @@ std::optional<double> AskNumber(QWidget* parent, const QString& label)
         text.replace(',', '.');
         bool number = false;
         const double value = text.trimmed().toDouble(&number);
-        if (number) return value;
+        // The conversion also takes "nan" and "inf", which no envelope point can be.
+        if (number && std::isfinite(value)) return value;
     }
 }
 

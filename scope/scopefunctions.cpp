@@ -1,8 +1,12 @@
 #include "scope/scopefunctions.h"
 
 #include "analysis/curvefunctions.h"
+#include "framework/exceptions.h"
 #include "framework/intconvert.h"
 #include "framework/services.h"
+#include "framework/translate.h"
+#include "scope/envelopefile.h"
+#include "scope/scopedialogs.h"
 
 #include <limits>
 
@@ -21,13 +25,9 @@ const QString& Resolve(QString& field)
 
 double ResolvedNumber(QString& field) { return StrToFloatP(Resolve(field)); }
 
-// A number only when the whole text is one; otherwise def.
-double StrictNumber(const QString& text, double def)
-{
-    bool ok = false;
-    const double v = text.trimmed().toDouble(&ok);
-    return ok ? v : def;
-}
+// A typed number ("," or "." as the decimal separator) only when the whole text is one;
+// otherwise def.
+double StrictNumber(const QString& text, double def) { return ReadFloatP(text).value_or(def); }
 
 QString YUnit(const TDecodedSettings& s) { return s.UnitTextY.isEmpty() ? QStringLiteral("V") : s.UnitTextY; }
 
@@ -82,6 +82,15 @@ TFxOutcome PeakFunction(TDecodedSettings& s, int ch)
     return out;
 }
 
+// The functions measure the curves 1 to 4. The envelopes (5, 6) and the further curve (7) are
+// no channel: measuring an envelope against itself would only look like a result.
+int Channel(const QString& text)
+{
+    const int ch = StrToInt(text);
+    if (ch < 1 || ch > kCurveSlots) throw TDravikException(Format(_("Ungültige Kurvennummer %d"), {QString::number(ch)}));
+    return ch;
+}
+
 TFxOutcome FilterFunction(TDecodedSettings& s, int ch)
 {
     const double rate = ResolvedNumber(s.FxArg[0]);
@@ -101,11 +110,27 @@ TFxOutcome FilterFunction(TDecodedSettings& s, int ch)
     return out;
 }
 
+// The envelope comparison loads its file with the window's fault dialogs: a missing file offers
+// only Cancel and ends the test, any other fault asks Cancel or Ignore. False: not loaded.
+bool EnvelopeLoads(const QString& file)
+{
+    try {
+        LoadHK(analysis::ScopeStore(), file);
+        return true;
+    } catch (const TEnvelopeFileMissing& e) {
+        ScopeDialogs().ShowCancelError(e.Message());
+        TestEnvironment().StopTest();
+    } catch (const TDravikException& e) {
+        ReportExecutionFault(EnvelopeLoadFaultText(file, e.Message()));
+    }
+    return false;
+}
+
 }  // namespace
 
 TFxOutcome RunFunction(TDecodedSettings& s)
 {
-    const int ch = StrToInt(s.FxChannel);
+    const int ch = Channel(s.FxChannel);  // "1" for the phase shift, which names its curves itself
     const auto byteCh = static_cast<unsigned char>(ch);
     TFxOutcome out;
     switch (s.FxFunction) {
@@ -151,8 +176,8 @@ TFxOutcome RunFunction(TDecodedSettings& s)
     case TScopeFnc::Peak: out = PeakFunction(s, ch); break;
     case TScopeFnc::PhaseShift: {
         const int count = StrToInt(Resolve(s.FxArg[2]));
-        const int a = StrToInt(s.FxArg[0]);
-        const int b = StrToInt(s.FxArg[1]);
+        const int a = Channel(s.FxArg[0]);
+        const int b = Channel(s.FxArg[1]);
         out.label = QStringLiteral("Phasenverschiebung");
         out.number = Phasenverschiebung(static_cast<unsigned char>(a), static_cast<unsigned char>(b), count);
         out.unit = QStringLiteral("°");
@@ -179,7 +204,7 @@ TFxOutcome RunFunction(TDecodedSettings& s)
         break;
     case TScopeFnc::Envelope:
         out.label = QStringLiteral("Hüllkurvenvergleich");
-        out.number = Huellkurvenvergleich(byteCh, Resolve(s.FxArg[0])) ? 1 : 0;
+        out.number = EnvelopeLoads(Resolve(s.FxArg[0])) && Huellkurvenvergleich(byteCh, s.FxArg[0]) ? 1 : 0;
         break;
     case TScopeFnc::LowPass:
     case TScopeFnc::BandPass:

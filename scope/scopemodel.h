@@ -7,6 +7,7 @@
 #include <QString>
 
 #include <array>
+#include <optional>
 #include <vector>
 
 namespace dv::scope {
@@ -44,6 +45,8 @@ struct TScopeModel {
     std::vector<double> Spectrum;  // second scope: lines 0 .. n/2
     double SpectrumSpacing = 0;    // Hz between lines
     QString ResultText;
+    std::optional<double> ResultValue;  // the number behind ResultText, for the prefix button
+    QString ResultUnit;
     QString FunctionLabel;
     QString ChannelLabel;
     bool ResultShown = false;

@@ -28,6 +28,7 @@ constexpr std::array<double, N> Steps125(int firstExponent)
 
 const std::array<double, 34> kXSteps = Steps125<34>(-9);  // 1 ns .. 100 s
 const std::array<double, 16> kYSteps = Steps125<16>(-3);  // 1 mV .. 100 V
+const std::array<double, 34> kFrequencySteps = Steps125<34>(-3);  // 1 mHz .. 100 MHz
 
 constexpr double kPixelLimit = 1e6;
 
@@ -46,6 +47,7 @@ int FittingStep(std::span<const double> steps, double extent, double divisions)
 
 std::span<const double> XDivisionSteps() { return kXSteps; }
 std::span<const double> YDivisionSteps() { return kYSteps; }
+std::span<const double> FrequencyDivisionSteps() { return kFrequencySteps; }
 
 QString DivisionText(double step, const QString& unit)
 {
@@ -104,7 +106,7 @@ std::vector<TColumnSpan> DecimateMinMax(std::span<const double> x, std::span<con
 }
 
 TAutoScale AutoScale(const std::vector<TCurveView>& curves, int plotLeft, int plotWidth, int plotHeight,
-                     double pixelsPerDivision)
+                     double pixelsPerDivision, std::span<const double> xSteps)
 {
     double xMin = INFINITY, xMax = -INFINITY, yMin = INFINITY, yMax = -INFINITY;
     for (const TCurveView& c : curves) {
@@ -121,9 +123,9 @@ TAutoScale AutoScale(const std::vector<TCurveView>& curves, int plotLeft, int pl
     if (xMin > xMax) return a;
     a.valid = true;
     // One pixel less than the area, so the last point lands on a visible column.
-    a.xStep = FittingStep(kXSteps, xMax - xMin, (plotWidth - 1) / pixelsPerDivision);
+    a.xStep = FittingStep(xSteps, xMax - xMin, (plotWidth - 1) / pixelsPerDivision);
     a.yStep = FittingStep(kYSteps, yMax - yMin, (plotHeight - 1) / pixelsPerDivision);
-    const double xStep = kXSteps[static_cast<std::size_t>(a.xStep)];
+    const double xStep = xSteps[static_cast<std::size_t>(a.xStep)];
     const double yStep = kYSteps[static_cast<std::size_t>(a.yStep)];
     a.zeroX = plotLeft - xMin * pixelsPerDivision / xStep;
     a.zeroY = plotHeight / 2.0 + (yMin + yMax) / 2 * pixelsPerDivision / yStep;

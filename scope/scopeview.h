@@ -17,6 +17,9 @@ inline constexpr int kPlotAreaHeight = 540;
 // Value per division of the selectors, 1-2-5 steps: X from 1 ns to 100 s, Y from 1 mV to 100 V.
 std::span<const double> XDivisionSteps();
 std::span<const double> YDivisionSteps();
+// Frequency per division of the spectrum scope, 1-2-5 steps from 1 mHz to 100 MHz, so that the
+// lines up to half the sample rate fit for any rate a curve is sampled at.
+std::span<const double> FrequencyDivisionSteps();
 // "5 ms/Div": the step scaled to an SI prefix in front of the unit.
 QString DivisionText(double step, const QString& unit);
 
@@ -68,8 +71,9 @@ struct TCurveView {
     std::span<const double> x;
     std::span<const double> y;
 };
+// xStep counts in xSteps (the X selector's steps unless given).
 TAutoScale AutoScale(const std::vector<TCurveView>& curves, int plotLeft, int plotWidth, int plotHeight,
-                     double pixelsPerDivision);
+                     double pixelsPerDivision, std::span<const double> xSteps = XDivisionSteps());
 
 // Two measuring cursors at pixel columns: their X values, the difference and, when the X unit is
 // seconds, its frequency.

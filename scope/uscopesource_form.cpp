@@ -20,18 +20,23 @@ namespace dv::scope {
 
 namespace {
 
-enum TKindTag { kFile = 0, kArray = 1, kPoint = 2, kAdx = 3, kImage = 4 };
+// The kinds of source, told apart by the button's id. The button's tag decides which fields a
+// choice enables: the file's fields for tag 0, the array's for 1, the point's for 2, the image's
+// for 4. The recording's button has no tag of its own and so keeps the default 0: choosing it
+// enables the file fields, which it does not use.
+enum TKind { kFile = 0, kArray = 1, kPoint = 2, kAdx = 3, kImage = 4 };
 
 struct TKindRow {
     const char* objectName;
     const char* caption;
+    TKind id;
     int tag;
 };
-constexpr std::array<TKindRow, 5> kKinds{{{"RB_File", "Datei", kFile},
-                                          {"RB_Array", "Array", kArray},
-                                          {"RB_Point", "Punkt", kPoint},
-                                          {"RB_ADX", "ADX Aufzeichnung", kAdx},
-                                          {"RB_Image", "Interner Bild-Puffer", kImage}}};
+constexpr std::array<TKindRow, 5> kKinds{{{"RB_File", "Datei", kFile, 0},
+                                          {"RB_Array", "Array", kArray, 1},
+                                          {"RB_Point", "Punkt", kPoint, 2},
+                                          {"RB_ADX", "ADX Aufzeichnung", kAdx, 0},
+                                          {"RB_Image", "Interner Bild-Puffer", kImage, 4}}};
 
 // The text between start and the next stop after it; to the end when stop is missing.
 QString Between(const QString& text, const QString& start, const QString& stop)
@@ -60,7 +65,8 @@ TScopeSource::TScopeSource(QWidget* parent) : TDVForm(QStringLiteral("TScopeSour
     auto radio = [this, form](const TKindRow& row) {
         auto* r = new QRadioButton(_(row.caption), this);
         r->setObjectName(QString::fromLatin1(row.objectName));
-        kinds_->addButton(r, row.tag);
+        r->setProperty("tag", row.tag);
+        kinds_->addButton(r, row.id);
         form->addRow(r);
     };
     radio(kKinds[0]);
@@ -122,8 +128,9 @@ TScopeSource::TScopeSource(QWidget* parent) : TDVForm(QStringLiteral("TScopeSour
     }
 }
 
-void TScopeSource::Choose(int tag)
+void TScopeSource::Choose(int kind)
 {
+    const int tag = kKinds[static_cast<std::size_t>(kind)].tag;
     for (QWidget* w : {static_cast<QWidget*>(file_), static_cast<QWidget*>(separator_)}) w->setEnabled(tag == kFile);
     for (QWidget* w : {array_, arrayFreq_}) w->setEnabled(tag == kArray);
     for (QWidget* w : {x_, y_}) w->setEnabled(tag == kPoint);
@@ -131,7 +138,7 @@ void TScopeSource::Choose(int tag)
                        static_cast<QWidget*>(imageFreq_)}) {
         w->setEnabled(tag == kImage);
     }
-    if (QAbstractButton* b = kinds_->button(tag)) b->setChecked(true);
+    if (QAbstractButton* b = kinds_->button(kind)) b->setChecked(true);
 }
 
 void TScopeSource::LoadFields()

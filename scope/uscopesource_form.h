@@ -28,7 +28,8 @@ protected:
     void StoreFields() override;
 
 private:
-    void Choose(int tag);
+    // Checks the button of the kind and enables the fields its tag names.
+    void Choose(int kind);
     QLineEdit* AddEdit(const char* name, const char* label, QWidget* row);
 
     QButtonGroup* kinds_;

@@ -6,7 +6,15 @@
 #include <QFile>
 #include <QTemporaryDir>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <sys/stat.h>
+
+#include <chrono>
+#include <fcntl.h>
+#include <future>
+#include <unistd.h>
 
 namespace dv::scope {
 namespace {
@@ -97,6 +105,75 @@ TEST(CurveFile, TellsItsRowCountBeforeReadingThePoints)
         std::vector<std::size_t> told;
         ReadCurveFile(path, ';', [&](std::size_t n) { told.push_back(n); });
         EXPECT_EQ(told, std::vector{count}) << text.toStdString();
+    }
+}
+
+// The rows 0;1 / 1;2,5 / 2;3 with a header, as Windows editors save them.
+TEST(CurveFile, WindowsEncodingsReadAsTheirText)
+{
+    QTemporaryDir dir;
+    const QByteArray plain = "Zeit;Größe\r\n0;1\r\n1;2,5\r\n2;3\r\n";
+    const QString text = QString::fromUtf8(plain);
+    auto utf16 = [&text](bool little) {
+        QByteArray bytes;
+        for (QChar c : text) {
+            const char hi = static_cast<char>(c.unicode() >> 8), lo = static_cast<char>(c.unicode() & 0xFF);
+            bytes += little ? QByteArray{} + lo + hi : QByteArray{} + hi + lo;
+        }
+        return bytes;
+    };
+    struct Row {
+        const char* name;
+        QByteArray bytes;
+        char separator;
+    };
+    const Row rows[] = {
+        {"UTF-8", plain, ';'},
+        {"UTF-8 with mark", "\xEF\xBB\xBF" + plain, ';'},
+        {"UTF-8 with mark before the first point", "\xEF\xBB\xBF" + plain.mid(plain.indexOf('\n') + 1), ';'},
+        {"UTF-16 LE with mark", "\xFF\xFE" + utf16(true), ';'},
+        {"UTF-16 BE with mark", "\xFE\xFF" + utf16(false), ';'},
+        {"UTF-16 LE without mark", utf16(true), ';'},
+        {"UTF-16 BE without mark", utf16(false), ';'},
+        // A separator beyond ASCII is named by its Windows-1252 code: section sign 167.
+        {"UTF-8 with mark, separator 167", "\xEF\xBB\xBF" + QByteArray(plain).replace(';', "\xC2\xA7"), '\xA7'},
+        {"Windows-1252, separator 167", QByteArray(plain).replace(';', '\xA7'), '\xA7'},
+    };
+    for (const Row& r : rows) {
+        const QString path = dir.filePath("kurve.txt");
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        file.write(r.bytes);
+        file.close();
+        const TCurvePoints p = ReadCurveFile(path, r.separator);
+        EXPECT_EQ(p.x, (std::vector<double>{0, 1, 2})) << r.name;
+        EXPECT_EQ(p.y, (std::vector<double>{1, 2.5, 3})) << r.name;
+    }
+}
+
+// A folder, a pipe and a device are refused at once with the file's name; none is waited on or read
+// without end.
+TEST(CurveFile, OnlyRegularFilesAreRead)
+{
+    QTemporaryDir dir;
+    const QString fifo = dir.filePath("pipe");
+    ASSERT_EQ(::mkfifo(QFile::encodeName(fifo).constData(), 0600), 0);
+    for (const QString& path : {dir.path(), fifo, QString("/dev/zero")}) {
+        auto read = std::async(std::launch::async, [path] {
+            try {
+                ReadCurveFile(path, ';');
+            } catch (const TDravikException& e) {
+                return e.Message();
+            }
+            return QString();
+        });
+        if (read.wait_for(std::chrono::seconds(5)) != std::future_status::ready) {
+            // Release a reader that waits for a writer, so that the test fails instead of hanging.
+            const int writer = ::open(QFile::encodeName(fifo).constData(), O_WRONLY | O_NONBLOCK);
+            if (writer >= 0) ::close(writer);
+            ADD_FAILURE() << "still reading " << path.toStdString();
+        }
+        EXPECT_EQ(read.get(), "Die Kurvendatei " + path + " ist keine gewöhnliche Datei (Ordner, Gerät oder Pipe)");
     }
 }
 

@@ -17,6 +17,7 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cmath>
 #include <numbers>
 #include <thread>
@@ -304,14 +305,31 @@ class TWaitingDialogs final : public IScopeDialogs {
 public:
     TErrorAnswer ShowExecutionError(const QString&) override { return TErrorAnswer::Cancel; }
     void ShowDecodeError(const QString&) override {}
+    void ShowCancelError(const QString&) override {}
     void ShowInformation(const QString&) override {}
     bool BeginWait() override
     {
         ++waits;
         return true;
     }
+    void EndWait() override { ++endedByStop; }
+    // True once a wait has begun; false after 10 s without one (the run did not wait).
+    bool WaitBegins() const
+    {
+        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+        while (waits == 0) {
+            if (std::chrono::steady_clock::now() > deadline) return false;
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
+        return true;
+    }
     std::atomic<int> waits{0};
+    std::atomic<int> endedByStop{0};
 };
+
+using TClock = std::chrono::steady_clock;
+
+double MsSince(TClock::time_point t) { return std::chrono::duration<double, std::milli>(TClock::now() - t).count(); }
 
 TEST_F(ScopeRun, AWaitEndsOnWeiterOrStopAndAZeroVariableSkipsIt)
 {
@@ -321,30 +339,43 @@ TEST_F(ScopeRun, AWaitEndsOnWeiterOrStopAndAZeroVariableSkipsIt)
     EXPECT_EQ(dialogs.waits, 0);
     EXPECT_EQ(zero.output, QStringList{"danach"});
 
+    // "Weiter" and the stop each end the wait within 100 ms, measured to the end of the script.
+    std::atomic<TClock::time_point> pressedAt{};
     std::thread weiter([&] {
-        while (dialogs.waits == 0) std::this_thread::yield();
+        if (!dialogs.WaitBegins()) return;
+        pressedAt = TClock::now();
         Scope().Continue();
     });
     const TScriptOutcome pressed = Run("W := \"1\";\nScope(\"[WAIT:W]\", \"\");\nLog(\"danach\");");
+    const double afterWeiter = MsSince(pressedAt);
     weiter.join();
+    ASSERT_EQ(dialogs.waits, 1);
+    EXPECT_LT(afterWeiter, 100);
     EXPECT_EQ(pressed.output, QStringList{"danach"});
     EXPECT_FALSE(ScopeModel().BlinkTimerActive);
+    EXPECT_EQ(dialogs.endedByStop, 0);
 
-    // Stop: the host's stop event ends the wait and the run.
     dialogs.waits = 0;
-    TScriptOutcome stopped;
+    std::atomic<TClock::time_point> stoppedAt{};
     std::thread stopper;
-    stopped = host::test::RunScriptText("Scope(\"[WAIT]\", \"\");\nLog(\"danach\");", {}, [&](host::THost& h) {
-        stopper = std::thread([&dialogs, &h] {
-            while (dialogs.waits == 0) std::this_thread::yield();
+    const TScriptOutcome stopped = host::test::RunScriptText("Scope(\"[WAIT]\", \"\");\nLog(\"danach\");", {}, [&](host::THost& h) {
+        stopper = std::thread([&dialogs, &h, &stoppedAt] {
+            if (!dialogs.WaitBegins()) return;
+            stoppedAt = TClock::now();
             h.GetRunControl().SignalStop();
         });
     });
+    const double afterStop = MsSince(stoppedAt);
     stopper.join();
     SetScopeDialogs(nullptr);
-    EXPECT_EQ(dialogs.waits, 1);
+    ASSERT_EQ(dialogs.waits, 1);
+    EXPECT_LT(afterStop, 100);
     EXPECT_TRUE(stopped.output.isEmpty());
     EXPECT_NE(stopped.exitCode, 0);
+    // The stopped wait leaves no "Weiter" to press.
+    EXPECT_EQ(dialogs.endedByStop, 1);
+    EXPECT_FALSE(ScopeModel().WeiterEnabled);
+    EXPECT_FALSE(ScopeModel().BlinkTimerActive);
 }
 
 // The same answers through the real dvrun binary, without a display.

@@ -51,4 +51,28 @@ TEST(ScopeArtifacts, ExampleLeavesOnePicturePerShownScopeAndTheReportNamesThem)
     EXPECT_TRUE(report.contains("<system-out>")) << report.toStdString();
 }
 
+// Pictures need a folder: an empty name or an existing file is refused before anything runs.
+TEST(ScopeArtifacts, ANameThatIsNoFolderIsRefused)
+{
+    QTemporaryDir dir;
+    const QString file = dir.filePath("datei.txt");
+    QFile f(file);
+    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+    f.close();
+    const QString script = dir.filePath("s.dvs");
+    QFile s(script);
+    ASSERT_TRUE(s.open(QIODevice::WriteOnly));
+    s.write("Log(\"lief\");\n");
+    s.close();
+    for (const QString& name : {QString(), file}) {
+        QProcess p;
+        p.start(DV_BINARY_DIR "/host/dvrun", {"--artifacts", name, script});
+        ASSERT_TRUE(p.waitForFinished(30000));
+        EXPECT_EQ(p.exitCode(), 2) << name.toStdString();
+        EXPECT_TRUE(p.readAllStandardOutput().isEmpty());
+        EXPECT_TRUE(QString::fromUtf8(p.readAllStandardError()).startsWith("dvrun: --artifacts erwartet einen Ordner, nicht \"" + name + "\"\n"))
+            << name.toStdString();
+    }
+}
+
 }  // namespace

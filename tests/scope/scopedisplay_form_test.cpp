@@ -102,7 +102,7 @@ TEST(ScopeDivisions, StepsRunOneTwoFiveOverTheirRanges)
         double first;
         double last;
     };
-    for (const TRow& row : {TRow{XDivisionSteps(), 1e-9, 100}, TRow{YDivisionSteps(), 1e-3, 100}}) {
+    for (const TRow& row : {TRow{XDivisionSteps(), 1e-9, 100}, TRow{YDivisionSteps(), 1e-3, 100}, TRow{FrequencyDivisionSteps(), 1e-3, 1e8}}) {
         EXPECT_DOUBLE_EQ(row.steps.front(), row.first);
         EXPECT_NEAR(row.steps.back() / row.last, 1, 1e-12);
         for (std::size_t i = 1; i < row.steps.size(); ++i) {
@@ -204,6 +204,58 @@ TEST_F(ScopeWindowTest, PictureShowsTheSineOnItsCurveAndYellowClipLines)
         const int x = static_cast<int>(std::floor(px(clip)));
         for (int y : {20, 500}) EXPECT_EQ(picture.pixelColor(x, y), QColor(255, 255, 0)) << clip << " " << y;
     }
+}
+
+// 1500 Hz and 4000 Hz of equal amplitude sampled at 10240 Hz: both lines are drawn up to the
+// Nyquist frequency, at distances from the DC column in the ratio of their frequencies.
+TEST_F(ScopeWindowTest, SpectrumShowsLinesUpToHalfTheSampleRate)
+{
+    TCurvePoints p;
+    for (int i = 0; i < 1024; ++i) {
+        const double t = i / 10240.0;
+        p.x.push_back(t);
+        p.y.push_back(std::sin(2 * kPi * 1500 * t) + std::sin(2 * kPi * 4000 * t));
+    }
+    const QString path = dir.filePath("zwei.txt");
+    WriteCurveFile(path, p, ';');
+    Run("[CLR],1:[FILE:" + path + ",SEP:59],[FX:FFT:10240:1],[OUT:]", "");
+    const QImage picture = Window().Display().Spectrum().Picture();
+    const QColor line = ColorOf(ScopeModel().Colors[0]);
+    // Columns holding a line taller than a quarter of the picture.
+    std::vector<int> columns;
+    for (int x = kPlotLeft; x < picture.width(); ++x) {
+        int n = 0;
+        for (int y = 0; y < picture.height(); ++y) n += picture.pixelColor(x, y) == line;
+        if (n > picture.height() / 4) columns.push_back(x);
+    }
+    ASSERT_EQ(columns.size(), 2u) << (columns.empty() ? -1 : columns[0]);
+    const double ratio = (columns[1] - kPlotLeft) / static_cast<double>(columns[0] - kPlotLeft);
+    EXPECT_NEAR(ratio, 4000.0 / 1500.0, 0.05);
+    EXPECT_GT(columns[0] - kPlotLeft, 20);  // not crowded into the first divisions
+}
+
+// The prefix button switches the shown result between the two formats; the next call's tags
+// decide again.
+TEST_F(ScopeWindowTest, PrefixButtonSwitchesTheShownResult)
+{
+    const QString path = dir.filePath("konstant.txt");
+    WriteCurveFile(path, {{0, 1, 2}, {0.0123, 0.0123, 0.0123}}, ';');
+    Run("[CLR],1:[FILE:" + path + ",SEP:59],[FX:MID:1],[OUT:]", "");
+    auto& prefix = test::Child<QPushButton>(Window(), "BT_Prefix");
+    auto& result = test::Child<QLabel>(Window(), "LB_Result");
+    EXPECT_FALSE(prefix.isChecked());
+    EXPECT_EQ(result.text(), "0.0123 V");
+    prefix.click();
+    EXPECT_EQ(result.text(), "12.300 mV");
+    prefix.click();
+    EXPECT_EQ(result.text(), "0.0123 V");
+    Run("[PREFIX],[FX:MID:1],[OUT:]", "");
+    EXPECT_TRUE(prefix.isChecked());
+    EXPECT_EQ(result.text(), "12.300 mV");
+    // An array result has no number to switch.
+    Run("[FX:DIFFCUR:1:1:],[OUT:D]", "");
+    prefix.click();
+    EXPECT_EQ(result.text(), "im Array:");
 }
 
 TEST_F(ScopeWindowTest, HiddenScopeLeavesNoPictureAndNumbersCountOn)

@@ -51,11 +51,13 @@ protected:
     static QPushButton& Button(const char* name) { return Child<QPushButton>(*ScopeWindow(), name); }
     static TEnvelopePanel& Panel() { return ScopeWindow()->Envelope(); }
     static TOsci& Osci() { return ScopeWindow()->Display().Main(); }
-    // Answers the next question dialogs with these texts in turn; nullptr cancels.
+    // Answers the next question dialogs with these texts in turn; "<cancel>" cancels. Each
+    // question's title and label go to asked.
     static void Answer(QStringList texts)
     {
         WhenModal([texts](QDialog& d) mutable {
             auto& input = dynamic_cast<QInputDialog&>(d);
+            asked << input.windowTitle() + " " + input.labelText();
             const QString text = texts.takeFirst();
             if (!texts.isEmpty()) Answer(texts);
             if (text == "<cancel>") return input.reject();
@@ -73,6 +75,7 @@ protected:
             box.button(button)->click();
         });
     }
+    static inline QStringList asked;
     std::vector<double> Xs(int handle) const { return {Store().X(handle).begin(), Store().X(handle).end()}; }
 
     test::TTestHost host;
@@ -118,8 +121,12 @@ TEST_F(EnvelopeTools, ClicksAddInAscendingXAndDeleteTheNearestWithTiesToTheLater
 TEST_F(EnvelopeTools, TypedPointMatchesTheSeparatorAndAsksAgainOnNonNumbers)
 {
     Button("SB_HK_Mode").click();  // lower envelope
-    Answer({"1,5", "zwei", "2.25"});
+    asked.clear();
+    // Infinities and "nan" read as numbers by the conversion, but are none: asked again.
+    Answer({"nan", "inf", "1,5", "zwei", "-inf", "NaN", "2.25"});
     Button("SB_SetPoint").click();
+    EXPECT_EQ(asked, (QStringList{"Punkt setzen. X-Wert", "Punkt setzen. X-Wert", "Punkt setzen. X-Wert", "Punkt setzen. Y-Wert",
+                                  "Punkt setzen. Y-Wert", "Punkt setzen. Y-Wert", "Punkt setzen. Y-Wert"}));
     ASSERT_EQ(Store().CurveValuesCount(kLowerEnvelope), 1);
     EXPECT_DOUBLE_EQ(Store().GetValue(kLowerEnvelope, 0).x, 1.5);
     EXPECT_DOUBLE_EQ(Store().GetValue(kLowerEnvelope, 0).y, 2.25);

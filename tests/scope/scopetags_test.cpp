@@ -2,6 +2,7 @@
 // and faults that stop decoding where they happen.
 #include "scope/scopetags.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace dv::scope {
@@ -206,12 +207,9 @@ TEST(ScopeTags, AFaultStopsDecodingWhereItHappened)
             EXPECT_FALSE(s.UseScaling);
         }
     }
-    try {
-        TDecodedSettings s;
-        DecodeTags("[FX:OFFSET:eins]", "", s);
-    } catch (const TScopeDecodeFault& f) {
-        EXPECT_EQ(f.Message(), "Scope-Plugin: Fehler bei der Befehlsumsetzung !");
-    }
+    TDecodedSettings s;
+    EXPECT_THAT([&] { DecodeTags("[FX:OFFSET:eins]", "", s); },
+                testing::ThrowsMessage<TScopeDecodeFault>(testing::StrEq("Scope-Plugin: Fehler bei der Befehlsumsetzung !")));
 }
 
 TEST(ScopeTags, MalformedTextsNeverCrash)

@@ -139,7 +139,7 @@ TEST_F(ScopeSource, ChoosingAKindEnablesOnlyItsFields)
         const TRow rows[] = {{"RB_File", {"Edit_File", "Edit_Separator"}},
                              {"RB_Array", {"Edit_Array", "Edit_Array_Y"}},
                              {"RB_Point", {"Edit_X", "Edit_y"}},
-                             {"RB_ADX", {}},
+                             {"RB_ADX", {"Edit_File", "Edit_Separator"}},  // no tag of its own: 0, the file's
                              {"RB_Image", {"Edit_Image_N", "Edit_Image_Freq"}}};
         for (const TRow& r : rows) {
             Child<QRadioButton>(d, r.radio).click();
@@ -147,6 +147,21 @@ TEST_F(ScopeSource, ChoosingAKindEnablesOnlyItsFields)
             EXPECT_EQ(Child<QComboBox>(d, "CB_Channel").isEnabled(), std::string(r.radio) == "RB_Image");
         }
     });
+}
+
+TEST_F(ScopeSource, RecordingKeepsTheDefaultTagAndStillBuildsItsSource)
+{
+    TScopeSource dialog;
+    const std::pair<const char*, int> tags[] = {{"RB_File", 0}, {"RB_Array", 1}, {"RB_Point", 2}, {"RB_ADX", 0}, {"RB_Image", 4}};
+    for (const auto& [radio, tag] : tags) EXPECT_EQ(Child<QRadioButton>(dialog, radio).property("tag").toInt(), tag) << radio;
+    const QString out = OpenSource("adx_data:", [](QDialog& d) {
+        EXPECT_TRUE(Child<QRadioButton>(d, "RB_ADX").isChecked());
+        EXPECT_FALSE(Child<QRadioButton>(d, "RB_File").isChecked());
+        EXPECT_TRUE(Edit(d, "Edit_File").isEnabled());
+        EXPECT_FALSE(Edit(d, "Edit_Array").isEnabled());
+        Edit(d, "Edit_File").setText("unbenutzt.txt");  // enabled, but the recording ignores it
+    });
+    EXPECT_EQ(out, "ADX_DATA:");
 }
 
 TEST_F(ScopeSource, HelpContextAndVariablePickers)
