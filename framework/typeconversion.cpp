@@ -107,4 +107,11 @@ QByteArray EncodeText(const QString& text, TTextEncoding encoding)
     return bytes;
 }
 
+QByteArray AnsiBytes(const QByteArray& bytes)
+{
+    if (!bytes.startsWith(kUtf16LEBom) && !bytes.startsWith(kUtf16BEBom) && !bytes.startsWith(kUtf8Bom)) return bytes;
+    TTextEncoding encoding = TTextEncoding::Utf8;
+    return EncodeText(DecodeText(bytes, encoding), TTextEncoding::Windows1252);
+}
+
 }  // namespace dv

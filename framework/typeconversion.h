@@ -19,6 +19,10 @@ QString DecodeUtf8Or1252(const QByteArray& bytes);
 enum class TTextEncoding { Utf8, Utf8Bom, Utf16LE, Utf16BE, Windows1252 };
 // The text of a file and the encoding it was found in (a U+FEFF after the mark is text).
 QString DecodeText(const QByteArray& bytes, TTextEncoding& encoding);
+// The bytes as a Windows program that reads single-byte text sees them: a file with a byte order
+// mark is Unicode text brought to Windows-1252 (what the code page lacks becomes "?"); any other
+// file is taken byte for byte.
+QByteArray AnsiBytes(const QByteArray& bytes);
 // The text stored as a file in that encoding, mark included; a character Windows-1252 lacks
 // becomes "?" there.
 QByteArray EncodeText(const QString& text, TTextEncoding encoding);

@@ -67,28 +67,13 @@ std::size_t RowCount(std::string_view text)
 // mark) stay as they are: none.
 std::optional<QByteArray> Recoded1252(std::string_view bytes)
 {
-    auto starts = [bytes](std::string_view mark) { return bytes.substr(0, mark.size()) == mark; };
-    std::optional<QStringConverter::Encoding> encoding;
-    std::size_t skip = 0;
-    if (starts("\xEF\xBB\xBF")) {
-        encoding = QStringConverter::Utf8;
-        skip = 3;
-    } else if (starts("\xFF\xFE")) {
-        encoding = QStringConverter::Utf16LE;
-        skip = 2;
-    } else if (starts("\xFE\xFF")) {
-        encoding = QStringConverter::Utf16BE;
-        skip = 2;
-    } else if (bytes.size() >= 2 && (bytes[0] == '\0') != (bytes[1] == '\0')) {
-        // No mark, but a zero byte beside the first character: UTF-16 all the same.
-        encoding = bytes[0] == '\0' ? QStringConverter::Utf16BE : QStringConverter::Utf16LE;
-    }
-    if (!encoding) return std::nullopt;
-    QStringDecoder decode(*encoding, QStringConverter::Flag::Stateless);
-    const QString text = decode(QByteArrayView(bytes.data() + skip, static_cast<qsizetype>(bytes.size() - skip)));
-    QByteArray out(text.size(), Qt::Uninitialized);
-    for (qsizetype i = 0; i < text.size(); ++i) out[i] = static_cast<char>(Ord1252(text[i]));
-    return out;
+    const QByteArray data = QByteArray::fromRawData(bytes.data(), static_cast<qsizetype>(bytes.size()));
+    QByteArray ansi = AnsiBytes(data);
+    if (ansi.constData() != data.constData()) return ansi;
+    // No mark, but a zero byte beside the first character: UTF-16 all the same.
+    if (bytes.size() < 2 || (bytes[0] == '\0') == (bytes[1] == '\0')) return std::nullopt;
+    QStringDecoder decode(bytes[0] == '\0' ? QStringConverter::Utf16BE : QStringConverter::Utf16LE);
+    return EncodeText(decode(data), TTextEncoding::Windows1252);
 }
 
 // The points of a file's bytes; onRows, when given, learns the number of rows first.

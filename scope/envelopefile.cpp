@@ -3,12 +3,12 @@
 #include "framework/dvtools.h"
 #include "framework/intconvert.h"
 #include "framework/translate.h"
+#include "framework/typeconversion.h"
 
 #include <QByteArrayView>
 #include <QFile>
 #include <QFileInfo>
 #include <QLocale>
-#include <QStringDecoder>
 
 // The reader sees single-byte text (Unicode files are converted first): no conversion of its own.
 #define SI_NO_CONVERSION
@@ -54,23 +54,6 @@ QString ProfileText(const char* raw)
     const bool quoted = value.size() >= 2 && (value.front() == '"' || value.front() == '\'') &&
                         value.back() == value.front();
     return quoted ? value.mid(1, value.size() - 2) : value;
-}
-
-// The file's text as the platform's (ANSI) profile functions see it: a file with a byte order
-// mark is Unicode text, handed over in single bytes; any other file is taken byte for byte.
-QByteArray ProfileBytes(const QByteArray& data)
-{
-    const struct {
-        const char* mark;
-        QStringConverter::Encoding encoding;
-    } unicode[] = {{"\xFF\xFE", QStringConverter::Utf16LE}, {"\xFE\xFF", QStringConverter::Utf16BE},
-                   {"\xEF\xBB\xBF", QStringConverter::Utf8}};
-    for (const auto& u : unicode) {
-        if (!data.startsWith(u.mark)) continue;
-        QStringDecoder decoder(u.encoding);  // drops the mark
-        return QString(decoder.decode(data)).toLatin1();  // what has no single byte becomes "?", as on the platform
-    }
-    return data;
 }
 
 // The name of a section heading line ("[ name ]", leading blanks allowed), or nothing.
@@ -191,7 +174,7 @@ void LoadHK(TCurveStore& store, const QString& fileName)
     if (!QFileInfo(fileName).isFile() || !file.open(QIODevice::ReadOnly)) {
         throw TDravikException(Format(_("Die Datei %s kann nicht gelesen werden"), {fileName}));
     }
-    const QByteArray data = ProfileBytes(file.readAll());
+    const QByteArray data = AnsiBytes(file.readAll());
     for (const TSection& section : kSections) {
         store.Clear(section.handle);
         if (!QFileInfo::exists(fileName)) throw TFileNotFoundException(fileName);

@@ -3,6 +3,8 @@
 // (UTF-8 when the bytes are valid UTF-8, otherwise Windows-1252), and also as UTF-16 when it
 // begins with a byte order mark; its encoding and line ending are remembered so that saving
 // writes the file back the way it came.
+#include "framework/typeconversion.h"
+
 #include <QByteArray>
 #include <QString>
 
@@ -10,7 +12,7 @@
 
 namespace dv::workbench {
 
-enum class TTextEncoding { Utf8, Utf8WithBom, Windows1252, Utf16LE, Utf16BE };
+using dv::TTextEncoding;
 
 struct TScriptFormat {
     TTextEncoding encoding = TTextEncoding::Utf8;

@@ -60,7 +60,7 @@ TEST_F(WorkbenchTest, ScriptFilesKeepTheirEncodingAndLineEndsThroughOpenAndSave)
         {"cp1252-lf", QByteArray("Log(\"Pr\xfc" "fung \xb5s \x80\")\nLog(\"zwei\")\n"), TTextEncoding::Windows1252, false},
         {"utf16le-crlf", Utf16(crlf, QStringEncoder::Utf16LE), TTextEncoding::Utf16LE, true},
         {"utf16be-lf", Utf16(text, QStringEncoder::Utf16BE), TTextEncoding::Utf16BE, false},
-        {"utf8bom-crlf", "\xEF\xBB\xBF" + crlf.toUtf8(), TTextEncoding::Utf8WithBom, true},
+        {"utf8bom-crlf", "\xEF\xBB\xBF" + crlf.toUtf8(), TTextEncoding::Utf8Bom, true},
         {"utf8-lf", text.toUtf8(), TTextEncoding::Utf8, false},
     };
     for (const auto& r : rows) {
