@@ -61,20 +61,35 @@ double Coverage(const QImage& image, const QRect& area)
 {
     const QRect r = ClipTo(area, image.size());
     if (r.isEmpty()) return 0.0;
-    std::vector<double> light;
-    light.reserve(static_cast<std::size_t>(r.width()) * r.height());
     const auto& t = LinearLight();
+    const auto lightAt = [&t](const std::uint8_t* p) { return t[p[0]] + t[p[1]] + t[p[2]]; };
+    // Neumaier's compensated sum: a plain sum of a million values drifts by many ulps, and the
+    // mean of a uniform area must be the value itself.
     double sum = 0;
+    double compensation = 0;
+    double lowest = lightAt(Pixel(image, r.x(), r.y()));
+    double highest = lowest;
     for (int y = r.y(); y < r.y() + r.height(); ++y) {
         const std::uint8_t* p = Pixel(image, r.x(), y);
         for (int x = 0; x < r.width(); ++x, p += 3) {
-            light.push_back(t[p[0]] + t[p[1]] + t[p[2]]);
-            sum += light.back();
+            const double l = lightAt(p);
+            const double next = sum + l;
+            compensation += std::abs(sum) >= std::abs(l) ? (sum - next) + l : (l - next) + sum;
+            sum = next;
+            lowest = std::min(lowest, l);
+            highest = std::max(highest, l);
         }
     }
-    const double mean = sum / static_cast<double>(light.size());
-    const auto darker = std::count_if(light.begin(), light.end(), [mean](double l) { return l < mean; });
-    return 100.0 * static_cast<double>(darker) / (static_cast<double>(r.width()) * r.height());
+    const double pixels = static_cast<double>(r.width()) * r.height();
+    // Dividing still rounds; the mean of values lies between them, so a uniform area gets its own
+    // value back and no pixel counts as darker.
+    const double mean = std::clamp((sum + compensation) / pixels, lowest, highest);
+    qsizetype darker = 0;
+    for (int y = r.y(); y < r.y() + r.height(); ++y) {
+        const std::uint8_t* p = Pixel(image, r.x(), y);
+        for (int x = 0; x < r.width(); ++x, p += 3) darker += lightAt(p) < mean ? 1 : 0;
+    }
+    return 100.0 * static_cast<double>(darker) / pixels;
 }
 
 double PixelDifference(const QImage& reference, const QImage& current, const QRect& area, QPoint offset,

@@ -82,9 +82,26 @@ TEST(AreaTest, RectTextsAndClipping)
     EXPECT_TRUE(ClipTo(QRect(0, -30, 10, 10), size).isEmpty());
 }
 
-TEST(CoverageTest, UniformIsZeroAndTheDarkShareOfAClippedArea)
+TEST(CoverageTest, UniformAreaIsZeroForEveryGreyLevelAndSize)
 {
-    EXPECT_EQ(Coverage(Uniform({40, 30}, qRgb(90, 120, 30)), QRect(0, 0, 40, 30)), 0.0);
+    // The mean of n equal values, summed and divided, can land an ulp above the value, which would
+    // make every pixel "darker than the mean".
+    // Every level at small and mid sizes; the full test picture's size at every 17th level.
+    const std::pair<QSize, int> sizes[] = {{{1, 1}, 1}, {{3, 2}, 1}, {{7, 5}, 1}, {{64, 48}, 1}, {{200, 150}, 1}, {{640, 480}, 17}};
+    for (const auto& [size, step] : sizes) {
+        QImage image(size, QImage::Format_RGB888);
+        for (int level = 0; level < 256; level += step) {
+            image.fill(qRgb(level, level, level));
+            EXPECT_EQ(Coverage(image, image.rect()), 0.0) << "grey " << level << " " << size.width() << "x" << size.height();
+        }
+    }
+    for (QRgb colour : {qRgb(90, 120, 30), qRgb(255, 0, 1), qRgb(13, 200, 77)}) {
+        EXPECT_EQ(Coverage(Uniform({640, 480}, colour), QRect(-5, -5, 700, 500)), 0.0) << qRed(colour);
+    }
+}
+
+TEST(CoverageTest, DarkShareOfAClippedArea)
+{
     // Left quarter black: a whole-image area is 25 % dark; an area hanging off the top-left corner
     // is clipped to (0, 0, 20, 20), half of which is black.
     QImage image = Uniform({40, 30}, qRgb(200, 200, 200));
