@@ -66,9 +66,27 @@ TEST(AreaTest, RectTextsAndClipping)
         {"[]", QRect(0, 0, 100, 50)},                  {"[1, 2, 3]", QRect(0, 0, 100, 50)},
         {"[1, 2, 3, 4, 5]", QRect(0, 0, 100, 50)},     {"", QRect(0, 0, 100, 50)},
         {"[-5, -5, 20, 20]", QRect(-5, -5, 20, 20)},  {"[10,20,30,40]", QRect(10, 20, 30, 40)},
-        {"[10.7, 20, 30, 40]", QRect(10, 20, 30, 40)},
+        {"[10.7, 20, 30, 40]", QRect(10, 20, 30, 40)},  {"[1.5E1, 2e1, 3E+1, 40]", QRect(15, 20, 30, 40)},
     };
     for (const Row& r : rows) EXPECT_EQ(AreaOfText(r.text, size), r.area) << r.text;
+    // Numbers beyond what a picture can have: the corners are kept within a billion pixels, so
+    // that the area still reaches as far as it can and clipping gives what is visible.
+    const std::pair<const char*, QRect> huge[] = {
+        {"{0}{0}{10000000000}{100}", QRect(0, 0, 100, 50)},
+        {"{-10000000000}{0}{20000000000}{50}", QRect(0, 0, 100, 50)},
+        {"[-1E20, -1E20, 1E20, 1E20]", QRect()},  // its right and bottom edges are 0
+        {"[1E20, 0, 5, 5]", QRect()},
+        {"[-2147483648, -2147483648, 2147483647, 2147483647]", QRect()},
+        {"[2000000000, 0, 2000000000, 10]", QRect()},
+        {"[-2000000000, 10, 2000000050, 10]", QRect(0, 10, 50, 10)},
+    };
+    for (const auto& [text, clipped] : huge) {
+        const QRect c = ClipTo(AreaOfText(text, size), size);
+        EXPECT_EQ(c.isEmpty(), clipped.isEmpty()) << text;
+        if (!clipped.isEmpty()) {
+            EXPECT_EQ(c, clipped) << text;
+        }
+    }
     const std::pair<QRect, QRect> clips[] = {
         {QRect(-5, -5, 20, 20), QRect(0, 0, 15, 15)},  {QRect(90, 40, 20, 20), QRect(90, 40, 10, 10)},
         {QRect(-10, 10, 200, 5), QRect(0, 10, 100, 5)},

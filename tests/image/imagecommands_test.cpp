@@ -235,6 +235,16 @@ TEST_F(ImageCommandTest, CaptureFromFilesAndPatterns)
     Capture("pattern:checker@5,-3");
     EXPECT_EQ(CurrentImage::snapshot().pixel(44, 5), qRgb(255, 255, 255));  // the edge moved right by 5
     EXPECT_EQ(CurrentImage::snapshot().pixel(4, 36), qRgb(0, 0, 0));       // and up by 3
+    // Moves beyond a million pixels are a million pixels.
+    const std::pair<const char*, const char*> far[] = {{"pattern:bars@0,-2147483648", "pattern:bars@0,-1000000"},
+                                                       {"pattern:bars@99999999999999999999,3", "pattern:bars@1000000,3"},
+                                                       {"pattern:bars@-2147483648,2147483647", "pattern:bars@-1000000,1000000"}};
+    for (const auto& [given, clamped] : far) {
+        Capture(given);
+        const QImage moved = CurrentImage::snapshot();
+        Capture(clamped);
+        EXPECT_EQ(moved, CurrentImage::snapshot()) << given;
+    }
     EXPECT_TRUE(Failure([&] { Capture("pattern:zebra"); }).contains("bars, grey, checker"));
     EXPECT_TRUE(Failure([&] { Capture("file:" + Path("fehlt.bmp")); }).contains("fehlt.bmp"));
     EXPECT_TRUE(Failure([&] { Run<TDVCmdImageCapture>({{"Device", "pattern:bars"}, {"Exposure", "-1"}}); }).contains("-1"));
