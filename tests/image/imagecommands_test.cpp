@@ -95,6 +95,28 @@ QByteArray Bmp(int bits)
     return file + paletteBytes + pixels;
 }
 
+// A run-length coded 8-bit BMP, 4 x 2: each row two black pixels, then two white.
+QByteArray Rle8()
+{
+    const QByteArray pixels = QByteArray::fromHex("020002010000020002010001");  // runs, end of line, runs, end of picture
+    QByteArray file(54, '\0');
+    const QByteArray palette = QByteArray::fromHex("00000000ffffff00");
+    const int offset = 54 + static_cast<int>(palette.size());
+    file[0] = 'B';
+    file[1] = 'M';
+    qToLittleEndian<quint32>(offset + pixels.size(), file.data() + 2);
+    qToLittleEndian<quint32>(offset, file.data() + 10);
+    qToLittleEndian<quint32>(40, file.data() + 14);
+    qToLittleEndian<qint32>(4, file.data() + 18);
+    qToLittleEndian<qint32>(2, file.data() + 22);
+    qToLittleEndian<quint16>(1, file.data() + 26);
+    qToLittleEndian<quint16>(8, file.data() + 28);
+    qToLittleEndian<quint32>(1, file.data() + 30);  // RLE8
+    qToLittleEndian<quint32>(static_cast<quint32>(pixels.size()), file.data() + 34);
+    qToLittleEndian<quint32>(2, file.data() + 46);
+    return file + palette + pixels;
+}
+
 class ImageCommandTest : public testing::Test {
 protected:
     void SetUp() override
@@ -162,6 +184,45 @@ TEST_F(ImageCommandTest, FileErrorsNameTheFileAndKeepWhatWasThere)
     EXPECT_TRUE(Failure([&] { Load(Path("kaputt.bmp")); }).contains("kaputt.bmp"));
     EXPECT_EQ(CurrentImage::snapshot().size(), QSize(640, 480));  // the failed load changed nothing
     EXPECT_TRUE(Failure([&] { Save(Path("kein/ordner/a.bmp")); }).contains("kann nicht geschrieben werden"));
+}
+
+TEST_F(ImageCommandTest, TruncatedBitmapsAreRefusedAndTheImageStays)
+{
+    Capture("pattern:bars");
+    Save(Path("bars.bmp"));
+    QFile whole(Path("bars.bmp"));
+    ASSERT_TRUE(whole.open(QIODevice::ReadOnly));
+    const QByteArray bars = whole.readAll();
+    const std::pair<const char*, QByteArray> rows[] = {
+        {"kurz24.bmp", Bmp(24).left(54 + 10)},           // 10 of 24 pixel bytes
+        {"kurz8.bmp", Bmp(8).chopped(1)},                // the last pixel byte missing
+        {"kurz1.bmp", Bmp(1).chopped(4)},                // the top row missing
+        {"halb.bmp", bars.left(bars.size() / 2)},        // half of a 640 x 480 picture
+        {"kopf.bmp", bars.left(54)},                     // the header alone
+        {"rle.bmp", Rle8().chopped(2)},                  // the end-of-picture code missing
+    };
+    Capture("pattern:grey");
+    const QImage before = CurrentImage::snapshot();
+    for (const auto& [name, bytes] : rows) {
+        QFile out(Path(name));
+        ASSERT_TRUE(out.open(QIODevice::WriteOnly));
+        out.write(bytes);
+        out.close();
+        const QString failure = Failure([&] { Load(Path(name)); });
+        EXPECT_TRUE(failure.contains(Path(name)) && failure.contains("unvollständig")) << name << ": " << failure.toStdString();
+        EXPECT_EQ(CurrentImage::snapshot(), before) << name;
+    }
+    // Whole files load, bytes after the pixels are no harm.
+    for (const QByteArray& bytes : {Bmp(24) + QByteArray(7, 'x'), Rle8()}) {
+        QFile out(Path("ganz.bmp"));
+        ASSERT_TRUE(out.open(QIODevice::WriteOnly));
+        out.write(bytes);
+        out.close();
+        Load(Path("ganz.bmp"));
+        ASSERT_EQ(CurrentImage::snapshot().size(), QSize(4, 2));
+        EXPECT_EQ(CurrentImage::snapshot().pixel(3, 0), qRgb(255, 255, 255));
+        EXPECT_EQ(CurrentImage::snapshot().pixel(0, 1), qRgb(0, 0, 0));
+    }
 }
 
 TEST_F(ImageCommandTest, SavedCopyComparesAt100AndTheProjectPlaceholderResolves)
