@@ -6,6 +6,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QImageReader>
 #include <QImageWriter>
 #include <QSaveFile>
@@ -85,8 +86,11 @@ void WriteBitmap(const QImage& image, const QString& path)
 QString PortableFileText(const QString& path, const QString& projectFolder)
 {
     QString text = QDir::cleanPath(path);
-    const QString folder = QDir::cleanPath(projectFolder);
-    if (!projectFolder.isEmpty() && (text == folder || text.startsWith(folder + '/'))) {
+    // Matched as the placeholder is replaced when the script runs: regardless of case; a relative
+    // folder from the working directory, as the dialogs give absolute paths.
+    const QString folder = QDir::cleanPath(QFileInfo(projectFolder).absoluteFilePath());
+    const bool inside = text.compare(folder, Qt::CaseInsensitive) == 0 || text.startsWith(folder + '/', Qt::CaseInsensitive);
+    if (!projectFolder.isEmpty() && inside) {
         text = QStringLiteral("%PROJEKTPFAD%") + text.mid(folder.size());
     }
     return '"' + text + '"';

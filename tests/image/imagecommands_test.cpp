@@ -10,6 +10,7 @@
 #include "tests/commands/params.h"
 #include "tests/support/testhost.h"
 
+#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QtEndian>
@@ -351,8 +352,14 @@ TEST(PortableFileTextTest, TheProjectFolderBecomesThePlaceholder)
         {"/p/projekt2/a.bmp", "/p/projekt", "\"/p/projekt2/a.bmp\""},
         {"/p/projekt/a.bmp", "/p/projekt/", "\"%PROJEKTPFAD%/a.bmp\""},
         {"/x/a.bmp", "", "\"/x/a.bmp\""},
+        // Folders are matched regardless of case, as the placeholder is replaced when the script runs.
+        {"/P/Projekt/Bilder/a.bmp", "/p/projekt", "\"%PROJEKTPFAD%/Bilder/a.bmp\""},
+        {"/p/projekt/a.bmp", "/P/PROJEKT", "\"%PROJEKTPFAD%/a.bmp\""},
+        {"/p/projektX/a.bmp", "/P/PROJEKT", "\"/p/projektX/a.bmp\""},
     };
     for (const auto& [path, folder, text] : rows) EXPECT_EQ(image::PortableFileText(path, folder), text) << path;
+    // A relative project folder is taken from the working directory, as the file dialog's path is.
+    EXPECT_EQ(image::PortableFileText(QDir::current().filePath("proj/a.bmp"), "proj"), "\"%PROJEKTPFAD%/a.bmp\"");
 }
 
 }  // namespace
