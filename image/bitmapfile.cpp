@@ -5,14 +5,60 @@
 #include "framework/translate.h"
 
 #include <QDir>
+#include <QFile>
+#include <QFileInfo>
 #include <QImageReader>
 #include <QImageWriter>
 #include <QSaveFile>
+#include <QtEndian>
+
+#include <cstdlib>
 
 namespace dv::image {
 
+namespace {
+// Bytes a BMP file must hold after what its header says: the pixel offset plus every row, padded
+// to four bytes, or for run-length coded pixels the size the header gives them; 0 when it is no
+// BMP. Qt reads a file that ends early without complaint and leaves the missing pixels as they
+// happened to be in memory.
+qint64 BitmapFileSize(QFile& file)
+{
+    const QByteArray head = file.read(38);
+    if (head.size() < 26 || !head.startsWith("BM")) return 0;
+    const auto* h = reinterpret_cast<const uchar*>(head.constData());
+    const qint64 offset = qFromLittleEndian<quint32>(h + 10);
+    const quint32 headerSize = qFromLittleEndian<quint32>(h + 14);
+    qint64 width = 0, height = 0, bits = 0, compression = 0, codedSize = 0;
+    if (headerSize == 12) {  // the old OS/2 header
+        width = qFromLittleEndian<quint16>(h + 18);
+        height = qFromLittleEndian<quint16>(h + 20);
+        bits = qFromLittleEndian<quint16>(h + 24);
+    } else if (headerSize >= 40 && head.size() >= 38) {
+        width = qFromLittleEndian<qint32>(h + 18);
+        height = std::abs(qint64{qFromLittleEndian<qint32>(h + 22)});  // negative: rows top down
+        bits = qFromLittleEndian<quint16>(h + 28);
+        compression = qFromLittleEndian<quint32>(h + 30);
+        codedSize = qFromLittleEndian<quint32>(h + 34);
+    }
+    constexpr qint64 kRgb = 0, kRle8 = 1, kRle4 = 2, kBitFields = 3, kAlphaBitFields = 6;
+    if (compression == kRle8 || compression == kRle4) return offset + codedSize;
+    if (width <= 0 || bits <= 0 || (compression != kRgb && compression != kBitFields && compression != kAlphaBitFields)) return 0;
+    return offset + (width * bits + 31) / 32 * 4 * height;
+}
+}  // namespace
+
 QImage ReadBitmap(const QString& path)
 {
+    QFile file(path);
+    if (file.open(QIODevice::ReadOnly)) {
+        const qint64 needed = BitmapFileSize(file);
+        if (file.size() < needed) {
+            throw TDravikException(Format(_("Die Bilddatei \"%s\" kann nicht gelesen werden: %s"),
+                                          {path, Format(_("die Datei ist unvollständig (%s von %s Bytes)"),
+                                                        {QString::number(file.size()), QString::number(needed)})}));
+        }
+        file.close();
+    }
     QImageReader reader(path);
     QImage image = reader.read();
     if (image.isNull()) {
@@ -40,8 +86,11 @@ void WriteBitmap(const QImage& image, const QString& path)
 QString PortableFileText(const QString& path, const QString& projectFolder)
 {
     QString text = QDir::cleanPath(path);
-    const QString folder = QDir::cleanPath(projectFolder);
-    if (!projectFolder.isEmpty() && (text == folder || text.startsWith(folder + '/'))) {
+    // Matched as the placeholder is replaced when the script runs: regardless of case; a relative
+    // folder from the working directory, as the dialogs give absolute paths.
+    const QString folder = QDir::cleanPath(QFileInfo(projectFolder).absoluteFilePath());
+    const bool inside = text.compare(folder, Qt::CaseInsensitive) == 0 || text.startsWith(folder + '/', Qt::CaseInsensitive);
+    if (!projectFolder.isEmpty() && inside) {
         text = QStringLiteral("%PROJEKTPFAD%") + text.mid(folder.size());
     }
     return '"' + text + '"';

@@ -5,7 +5,8 @@
 
 namespace dv::image {
 
-// The picture in a file, as 24-bit RGB; raises TDravikException naming the file and the reason.
+// The picture in a file, as 24-bit RGB; raises TDravikException naming the file and the reason,
+// also for a BMP file shorter than its header says.
 QImage ReadBitmap(const QString& path);
 // Writes image as a bitmap (BMP) file; the file is replaced only once it is complete. Raises
 // TDravikException naming the file and the reason.

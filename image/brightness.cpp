@@ -97,8 +97,20 @@ void SetMeanLuminance(QImage& image, const QRect& area, double target)
         }
         k = high;
     }
-    ForEachPixel(image, area, [k](std::uint8_t* p) {
-        for (int i = 0; i < 3; ++i) p[i] = EncodeLinear(k * Linear(p[i]));
+    // A byte holds the wanted light only to the nearest of 256 steps, and an area of one grey
+    // would be off by the same step everywhere (near middle grey about 1.7 %). So each channel's
+    // rounding error, in linear light, is carried on to the same channel of the next pixel of the
+    // area, row by row (error diffusion): the area's mean keeps the light the factor gives, its
+    // pixels spread over the two bytes next to the wanted light. A channel without light has
+    // nothing to scale; it stays dark and hands the error on.
+    std::array<double, 3> carry{};
+    ForEachPixel(image, area, [k, &carry](std::uint8_t* p) {
+        for (int i = 0; i < 3; ++i) {
+            if (p[i] == 0) continue;
+            const double wanted = std::min(1.0, k * Linear(p[i])) + carry[i];
+            p[i] = EncodeLinear(wanted);
+            carry[i] = wanted - Linear(p[i]);
+        }
     });
 }
 

@@ -15,7 +15,8 @@ double MeanLuminance(const QImage& image, const QRect& area);
 // Turns the area (clipped) grey: each pixel its luminance in all three channels.
 void MakeGrey(QImage& image, const QRect& area);
 // Scales the area's pixels in linear light, clipped at white, so that their mean luminance
-// becomes target (0..1). A black area has nothing to scale and stays black.
+// becomes target (0..1). Each channel's rounding to a byte is carried on to the next pixel, so
+// the mean is met also where the area has few levels. Black (a channel at 0) stays black.
 void SetMeanLuminance(QImage& image, const QRect& area, double target);
 
 }  // namespace dv::image

@@ -29,18 +29,24 @@ const std::uint8_t* Pixel(const QImage& image, int x, int y) { return image.cons
 
 int CeilDiv(int a, int b) { return (a + b - 1) / b; }
 
+constexpr double kFarthest = 1e9;
+
 }  // namespace
 
 std::optional<QRect> RectOfText(const QString& text)
 {
-    // "," separates the numbers of an array literal, so only "." is a decimal point here.
-    static const QRegularExpression number(QStringLiteral("-?\\d+(?:\\.\\d+)?"));
-    std::vector<int> values;
-    for (auto it = number.globalMatch(text); it.hasNext();) {
-        values.push_back(static_cast<int>(it.next().captured().toDouble()));
-    }
+    // "," separates the numbers of an array literal, so only "." is a decimal point here; large
+    // numbers come as "1E20".
+    static const QRegularExpression number(QStringLiteral("-?\\d+(?:\\.\\d+)?(?:[eE][-+]?\\d+)?"));
+    std::vector<double> values;
+    for (auto it = number.globalMatch(text); it.hasNext();) values.push_back(std::trunc(it.next().captured().toDouble()));
     if (values.size() != 4) return std::nullopt;
-    return QRect(values[0], values[1], values[2], values[3]);
+    // No picture is a billion pixels wide: corners beyond that are moved to it, so that the
+    // area reaches as far as it can and all the sums below stay in int.
+    const auto limit = [](double v) { return static_cast<int>(std::clamp(v, -kFarthest, kFarthest)); };
+    const int left = limit(values[0]);
+    const int top = limit(values[1]);
+    return QRect(left, top, limit(values[0] + values[2]) - left, limit(values[1] + values[3]) - top);
 }
 
 QRect AreaOfText(const QString& text, const QSize& imageSize)
@@ -50,31 +56,47 @@ QRect AreaOfText(const QString& text, const QSize& imageSize)
 
 QRect ClipTo(const QRect& r, const QSize& size)
 {
-    const int left = std::max(0, r.x());
-    const int top = std::max(0, r.y());
-    const int right = std::min(r.x() + r.width(), size.width());
-    const int bottom = std::min(r.y() + r.height(), size.height());
-    return QRect(left, top, std::max(0, right - left), std::max(0, bottom - top));
+    const qint64 left = std::max<qint64>(0, r.x());
+    const qint64 top = std::max<qint64>(0, r.y());
+    const qint64 right = std::min<qint64>(qint64{r.x()} + r.width(), size.width());
+    const qint64 bottom = std::min<qint64>(qint64{r.y()} + r.height(), size.height());
+    return QRect(static_cast<int>(left), static_cast<int>(top), static_cast<int>(std::max<qint64>(0, right - left)),
+                 static_cast<int>(std::max<qint64>(0, bottom - top)));
 }
 
 double Coverage(const QImage& image, const QRect& area)
 {
     const QRect r = ClipTo(area, image.size());
     if (r.isEmpty()) return 0.0;
-    std::vector<double> light;
-    light.reserve(static_cast<std::size_t>(r.width()) * r.height());
     const auto& t = LinearLight();
+    const auto lightAt = [&t](const std::uint8_t* p) { return t[p[0]] + t[p[1]] + t[p[2]]; };
+    // Neumaier's compensated sum: a plain sum of a million values drifts by many ulps, and the
+    // mean of a uniform area must be the value itself.
     double sum = 0;
+    double compensation = 0;
+    double lowest = lightAt(Pixel(image, r.x(), r.y()));
+    double highest = lowest;
     for (int y = r.y(); y < r.y() + r.height(); ++y) {
         const std::uint8_t* p = Pixel(image, r.x(), y);
         for (int x = 0; x < r.width(); ++x, p += 3) {
-            light.push_back(t[p[0]] + t[p[1]] + t[p[2]]);
-            sum += light.back();
+            const double l = lightAt(p);
+            const double next = sum + l;
+            compensation += std::abs(sum) >= std::abs(l) ? (sum - next) + l : (l - next) + sum;
+            sum = next;
+            lowest = std::min(lowest, l);
+            highest = std::max(highest, l);
         }
     }
-    const double mean = sum / static_cast<double>(light.size());
-    const auto darker = std::count_if(light.begin(), light.end(), [mean](double l) { return l < mean; });
-    return 100.0 * static_cast<double>(darker) / (static_cast<double>(r.width()) * r.height());
+    const double pixels = static_cast<double>(r.width()) * r.height();
+    // Dividing still rounds; the mean of values lies between them, so a uniform area gets its own
+    // value back and no pixel counts as darker.
+    const double mean = std::clamp((sum + compensation) / pixels, lowest, highest);
+    qsizetype darker = 0;
+    for (int y = r.y(); y < r.y() + r.height(); ++y) {
+        const std::uint8_t* p = Pixel(image, r.x(), y);
+        for (int x = 0; x < r.width(); ++x, p += 3) darker += lightAt(p) < mean ? 1 : 0;
+    }
+    return 100.0 * static_cast<double>(darker) / pixels;
 }
 
 double PixelDifference(const QImage& reference, const QImage& current, const QRect& area, QPoint offset,

@@ -14,7 +14,8 @@
 namespace dv::image {
 
 // The four numbers (left, top, width, height) of a Rect text such as "[10, 20, 30, 40]" or
-// "{10}{20}{30}{40}"; nothing when the text holds other than exactly 4 numbers.
+// "{10}{20}{30}{40}"; nothing when the text holds other than exactly 4 numbers. Fractions are cut
+// off; corners farther than a billion pixels out are moved in to that distance.
 std::optional<QRect> RectOfText(const QString& text);
 // The area a Rect text names in an image of that size: its 4 numbers, else the whole image.
 QRect AreaOfText(const QString& text, const QSize& imageSize);

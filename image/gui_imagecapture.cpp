@@ -11,6 +11,7 @@
 
 #include <QRegularExpression>
 
+#include <algorithm>
 #include <cmath>
 
 namespace dv {
@@ -22,12 +23,22 @@ const QString kWhiteBalance = QStringLiteral("WhiteBalance");
 const QString kFilePrefix = QStringLiteral("file:");
 const QString kPatternPrefix = QStringLiteral("pattern:");
 
+// A shift's digits (none: no shift), as far as the pattern can be moved: longer numbers are simply far.
+int ShiftOf(const QString& digits)
+{
+    if (digits.isEmpty()) return 0;
+    bool ok = false;
+    const qlonglong v = digits.toLongLong(&ok);
+    if (!ok) return digits.startsWith('-') ? -image::kMaxPatternShift : image::kMaxPatternShift;
+    return static_cast<int>(std::clamp<qlonglong>(v, -image::kMaxPatternShift, image::kMaxPatternShift));
+}
+
 QImage PatternFrame(const QString& pattern)
 {
     static const QRegularExpression form(QStringLiteral("^([A-Za-z]+)(?:@(-?\\d+),(-?\\d+))?$"));
     const QRegularExpressionMatch m = form.match(pattern.trimmed());
     std::optional<QImage> image;
-    if (m.hasMatch()) image = image::TestPattern(m.captured(1), QPoint(m.captured(2).toInt(), m.captured(3).toInt()));
+    if (m.hasMatch()) image = image::TestPattern(m.captured(1), QPoint(ShiftOf(m.captured(2)), ShiftOf(m.captured(3))));
     if (!image) {
         throw TDravikException(Format(_("ImageCapture: Unbekanntes Testbild \"%s\" (bekannt: %s, verschoben: NAME@DX,DY)"),
                                       {pattern, image::TestPatternNames().join(QStringLiteral(", "))}));

@@ -13,6 +13,7 @@
 #include <QBoxLayout>
 #include <QFormLayout>
 #include <QGroupBox>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
@@ -29,6 +30,14 @@ QLineEdit* NamedEdit(const char* name, QWidget* parent)
     return edit;
 }
 
+// The label of a row that holds more than its edit: its mnemonic leads to the edit.
+QLabel* LabelFor(const QString& text, QWidget* edit)
+{
+    auto* label = new QLabel(text, edit->parentWidget());
+    label->setBuddy(edit);
+    return label;
+}
+
 QHBoxLayout* Row(QWidget* a, QWidget* b)
 {
     auto* row = new QHBoxLayout;
@@ -39,7 +48,7 @@ QHBoxLayout* Row(QWidget* a, QWidget* b)
 }  // namespace
 
 TFormImageEvaluation::TFormImageEvaluation(TDVCmdImageEvaluation& command)
-    : TBoundForm(command, QStringLiteral("TFormImageEvaluation"), _("Bild Auswerten"), 112)
+    : TBoundForm(command, QStringLiteral("TFormImageEvaluation"), _("Bild Auswerten"), 112, QStringLiteral("DVHelpButton1"))
 {
     auto* pages = new QTabWidget(this);
     pages->setObjectName(QStringLiteral("PageControl1"));
@@ -67,9 +76,9 @@ TFormImageEvaluation::TFormImageEvaluation(TDVCmdImageEvaluation& command)
         upDown->setValue(-t.toInt());
     });
     auto* rows = new QFormLayout;
-    rows->addRow(_("&Dateiname Vergleichsbild"), Row(file_, choose));
+    rows->addRow(LabelFor(_("&Dateiname Vergleichsbild"), file_), Row(file_, choose));
     rows->addRow(_("&Bereich"), rect_);
-    rows->addRow(_("&Positionstoleranz"), Row(displacement, upDown));
+    rows->addRow(LabelFor(_("&Positionstoleranz"), displacement), Row(displacement, upDown));
     rows->addRow(_("&Ergebnis-Variable"), NamedEdit("DVEdit_Result", this));
     Body()->addLayout(rows);
 

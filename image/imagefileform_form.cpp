@@ -6,6 +6,7 @@
 
 #include <QBoxLayout>
 #include <QFormLayout>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 
@@ -26,7 +27,9 @@ TImageFileForm::TImageFileForm(TDVThreadRunEdit& command, const QString& formCla
     row->addWidget(file_);
     row->addWidget(choose);
     auto* rows = new QFormLayout;
-    rows->addRow(_("&Dateiname"), row);
+    auto* label = new QLabel(_("&Dateiname"), this);
+    label->setBuddy(file_);  // a row of edit and button: the mnemonic leads to the edit
+    rows->addRow(label, row);
     Body()->addLayout(rows);
     connect(choose, &QPushButton::clicked, this, [this] { Choose(); });
     AttachVariableEditors();

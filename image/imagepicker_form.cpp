@@ -36,11 +36,12 @@ QString ChooseBitmapFile(QWidget* parent, TBitmapChoice choice)
     const bool open = choice == TBitmapChoice::Open;
     dialog.setObjectName(open ? QStringLiteral("OpenDialog") : QStringLiteral("SaveDialog"));
     dialog.setAcceptMode(open ? QFileDialog::AcceptOpen : QFileDialog::AcceptSave);
-    // Open: the file must exist; save: any name in an existing folder. Qt's own dialog, so that
-    // it behaves alike on every desktop and offscreen.
+    // Open: the file must exist; save: any name in an existing folder, chosen without a question
+    // about overwriting (the file is written only when the command runs). Qt's own dialog, so
+    // that it behaves alike on every desktop and offscreen.
     dialog.setFileMode(open ? QFileDialog::ExistingFile : QFileDialog::AnyFile);
     dialog.setOption(QFileDialog::DontUseNativeDialog);
-    dialog.setOption(QFileDialog::DontConfirmOverwrite, false);
+    dialog.setOption(QFileDialog::DontConfirmOverwrite);
     dialog.setDefaultSuffix(QStringLiteral("bmp"));
     dialog.setNameFilters({_("Bitmap-Dateien (*.bmp)"), _("Alle Dateien (*)")});
     dialog.setSizeGripEnabled(true);

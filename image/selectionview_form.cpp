@@ -11,6 +11,8 @@ namespace dv {
 
 namespace {
 constexpr QSize kViewBounds(480, 360);
+// The least width and height, in view pixels, of a drag that draws an area.
+constexpr int kLeastDrag = 2;
 
 // The rectangle between two corners the mouse gave, its size their distance.
 QRect Span(QPoint a, QPoint b)
@@ -56,6 +58,7 @@ void TSelectionView::ShowImage(const QImage& image)
 
 void TSelectionView::SetSelection(const QRect& imageArea)
 {
+    selection_ = imageArea;
     if (imageArea.isEmpty()) {
         frame_->hide();
         return;
@@ -82,8 +85,14 @@ void TSelectionView::mouseReleaseEvent(QMouseEvent* event)
     if (!drawing_) return;
     drawing_ = false;
     const QRect view = Span(anchor_, event->position().toPoint());
+    // A click, or a drag by a shaking hand, draws no area: the one before stays, frame and all.
+    if (view.width() < kLeastDrag || view.height() < kLeastDrag) {
+        SetSelection(selection_);
+        return;
+    }
     frame_->setGeometry(view);
-    emit SelectionDrawn(ViewToImage(view, factor_));
+    selection_ = ViewToImage(view, factor_);
+    emit SelectionDrawn(selection_);
 }
 
 }  // namespace dv

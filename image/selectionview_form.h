@@ -1,6 +1,6 @@
 #pragma once
 // A picture on which an area is drawn with the mouse: the frame follows the mouse and reports
-// the area in the picture's pixels; set from outside it moves to that area.
+// the area in the picture's pixels; set from outside it moves to that area. A click draws nothing.
 #include <QImage>
 #include <QLabel>
 #include <QRect>
@@ -35,6 +35,7 @@ protected:
 
 private:
     QRubberBand* frame_;
+    QRect selection_;  // the area shown, picture pixels
     QPoint anchor_;
     double factor_ = 1.0;
     bool drawing_ = false;

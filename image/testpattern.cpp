@@ -2,6 +2,7 @@
 
 #include "image/linearlight.h"
 
+#include <algorithm>
 #include <array>
 
 namespace dv::image {
@@ -41,6 +42,9 @@ std::optional<QImage> TestPattern(const QString& name, QPoint shift)
 {
     for (const TPattern& p : kPatterns) {
         if (name.compare(QLatin1String(p.name), Qt::CaseInsensitive) != 0) continue;
+        // Far enough to leave every pattern's period; near enough that x - shift stays in int.
+        shift = QPoint(std::clamp(shift.x(), -kMaxPatternShift, kMaxPatternShift),
+                       std::clamp(shift.y(), -kMaxPatternShift, kMaxPatternShift));
         QImage image(kWidth, kHeight, QImage::Format_RGB888);
         for (int y = 0; y < kHeight; ++y) {
             std::uint8_t* row = image.scanLine(y);

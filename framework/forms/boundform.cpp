@@ -43,8 +43,9 @@ void StoreBoundControls(const QWidget& form, TDVThreadRunEdit& command)
     }
 }
 
-TBoundForm::TBoundForm(TDVThreadRunEdit& command, const QString& formClass, const QString& caption, int helpContext)
-    : TDVForm(formClass, caption, helpContext), command_(command)
+TBoundForm::TBoundForm(TDVThreadRunEdit& command, const QString& formClass, const QString& caption, int helpContext,
+                       const QString& helpButtonName)
+    : TDVForm(formClass, caption, helpContext, nullptr, helpButtonName), command_(command)
 {
 }
 

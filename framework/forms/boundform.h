@@ -16,7 +16,8 @@ void StoreBoundControls(const QWidget& form, TDVThreadRunEdit& command);
 class TBoundForm : public TDVForm {
     Q_OBJECT
 public:
-    TBoundForm(TDVThreadRunEdit& command, const QString& formClass, const QString& caption, int helpContext);
+    TBoundForm(TDVThreadRunEdit& command, const QString& formClass, const QString& caption, int helpContext,
+               const QString& helpButtonName = TDVHelpButton::kDefaultName);
 
 protected:
     void LoadFields() override { LoadBoundControls(*this, command_); }

@@ -10,14 +10,17 @@
 
 namespace dv {
 
-TDVHelpButton::TDVHelpButton(int helpContext, QWidget* parent) : QPushButton(_("&Hilfe"), parent), helpContext_(helpContext)
+TDVHelpButton::TDVHelpButton(int helpContext, QWidget* parent, const QString& objectName)
+    : QPushButton(_("&Hilfe"), parent), helpContext_(helpContext)
 {
-    setObjectName(QStringLiteral("DVHelpButton"));
+    setObjectName(objectName);
     setAutoDefault(false);
     setToolTip(Format(_("Hilfe-Kontext %d"), {QString::number(helpContext)}));
 }
 
-TDVForm::TDVForm(const QString& formClass, const QString& caption, int helpContext, QWidget* parent) : QDialog(parent)
+TDVForm::TDVForm(const QString& formClass, const QString& caption, int helpContext, QWidget* parent,
+                 const QString& helpButtonName)
+    : QDialog(parent)
 {
     setObjectName(formClass);
     setWindowTitle(caption);
@@ -36,7 +39,7 @@ TDVForm::TDVForm(const QString& formClass, const QString& caption, int helpConte
     buttons_->addStretch();
     buttons_->addWidget(ok_);
     buttons_->addWidget(cancel_);
-    buttons_->addWidget(new TDVHelpButton(helpContext, this));
+    buttons_->addWidget(new TDVHelpButton(helpContext, this, helpButtonName));
 
     connect(ok_, &QPushButton::clicked, this, [this] { OkClicked(); });
     connect(cancel_, &QPushButton::clicked, this, [this] { done(mrCancel); });

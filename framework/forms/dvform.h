@@ -12,11 +12,13 @@ class QVBoxLayout;
 
 namespace dv {
 
-// The host's help button: carries the dialog's help context.
+// The host's help button: carries the dialog's help context. Most dialogs call it DVHelpButton;
+// a dialog whose layout names it otherwise gives its name.
 class TDVHelpButton : public QPushButton {
     Q_OBJECT
 public:
-    explicit TDVHelpButton(int helpContext, QWidget* parent = nullptr);
+    static inline const QString kDefaultName = QStringLiteral("DVHelpButton");
+    explicit TDVHelpButton(int helpContext, QWidget* parent = nullptr, const QString& objectName = kDefaultName);
     int HelpContext() const { return helpContext_; }
 
 private:
@@ -29,7 +31,8 @@ public:
     static constexpr int mrOk = 1;
     static constexpr int mrCancel = 2;
 
-    TDVForm(const QString& formClass, const QString& caption, int helpContext, QWidget* parent = nullptr);
+    TDVForm(const QString& formClass, const QString& caption, int helpContext, QWidget* parent = nullptr,
+            const QString& helpButtonName = TDVHelpButton::kDefaultName);
 
     bool ShowModal() override;
     // A modal message box named "MessageDlg" with the dialog's caption.

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <optional>
 
 namespace dv::image {
 namespace {
@@ -66,9 +67,27 @@ TEST(AreaTest, RectTextsAndClipping)
         {"[]", QRect(0, 0, 100, 50)},                  {"[1, 2, 3]", QRect(0, 0, 100, 50)},
         {"[1, 2, 3, 4, 5]", QRect(0, 0, 100, 50)},     {"", QRect(0, 0, 100, 50)},
         {"[-5, -5, 20, 20]", QRect(-5, -5, 20, 20)},  {"[10,20,30,40]", QRect(10, 20, 30, 40)},
-        {"[10.7, 20, 30, 40]", QRect(10, 20, 30, 40)},
+        {"[10.7, 20, 30, 40]", QRect(10, 20, 30, 40)},  {"[1.5E1, 2e1, 3E+1, 40]", QRect(15, 20, 30, 40)},
     };
     for (const Row& r : rows) EXPECT_EQ(AreaOfText(r.text, size), r.area) << r.text;
+    // Numbers beyond what a picture can have: the corners are kept within a billion pixels, so
+    // that the area still reaches as far as it can and clipping gives what is visible.
+    const std::pair<const char*, QRect> huge[] = {
+        {"{0}{0}{10000000000}{100}", QRect(0, 0, 100, 50)},
+        {"{-10000000000}{0}{20000000000}{50}", QRect(0, 0, 100, 50)},
+        {"[-1E20, -1E20, 1E20, 1E20]", QRect()},  // its right and bottom edges are 0
+        {"[1E20, 0, 5, 5]", QRect()},
+        {"[-2147483648, -2147483648, 2147483647, 2147483647]", QRect()},
+        {"[2000000000, 0, 2000000000, 10]", QRect()},
+        {"[-2000000000, 10, 2000000050, 10]", QRect(0, 10, 50, 10)},
+    };
+    for (const auto& [text, clipped] : huge) {
+        const QRect c = ClipTo(AreaOfText(text, size), size);
+        EXPECT_EQ(c.isEmpty(), clipped.isEmpty()) << text;
+        if (!clipped.isEmpty()) {
+            EXPECT_EQ(c, clipped) << text;
+        }
+    }
     const std::pair<QRect, QRect> clips[] = {
         {QRect(-5, -5, 20, 20), QRect(0, 0, 15, 15)},  {QRect(90, 40, 20, 20), QRect(90, 40, 10, 10)},
         {QRect(-10, 10, 200, 5), QRect(0, 10, 100, 5)},
@@ -82,9 +101,26 @@ TEST(AreaTest, RectTextsAndClipping)
     EXPECT_TRUE(ClipTo(QRect(0, -30, 10, 10), size).isEmpty());
 }
 
-TEST(CoverageTest, UniformIsZeroAndTheDarkShareOfAClippedArea)
+TEST(CoverageTest, UniformAreaIsZeroForEveryGreyLevelAndSize)
 {
-    EXPECT_EQ(Coverage(Uniform({40, 30}, qRgb(90, 120, 30)), QRect(0, 0, 40, 30)), 0.0);
+    // The mean of n equal values, summed and divided, can land an ulp above the value, which would
+    // make every pixel "darker than the mean".
+    // Every level at small and mid sizes; the full test picture's size at every 17th level.
+    const std::pair<QSize, int> sizes[] = {{{1, 1}, 1}, {{3, 2}, 1}, {{7, 5}, 1}, {{64, 48}, 1}, {{200, 150}, 1}, {{640, 480}, 17}};
+    for (const auto& [size, step] : sizes) {
+        QImage image(size, QImage::Format_RGB888);
+        for (int level = 0; level < 256; level += step) {
+            image.fill(qRgb(level, level, level));
+            EXPECT_EQ(Coverage(image, image.rect()), 0.0) << "grey " << level << " " << size.width() << "x" << size.height();
+        }
+    }
+    for (QRgb colour : {qRgb(90, 120, 30), qRgb(255, 0, 1), qRgb(13, 200, 77)}) {
+        EXPECT_EQ(Coverage(Uniform({640, 480}, colour), QRect(-5, -5, 700, 500)), 0.0) << qRed(colour);
+    }
+}
+
+TEST(CoverageTest, DarkShareOfAClippedArea)
+{
     // Left quarter black: a whole-image area is 25 % dark; an area hanging off the top-left corner
     // is clipped to (0, 0, 20, 20), half of which is black.
     QImage image = Uniform({40, 30}, qRgb(200, 200, 200));
@@ -146,6 +182,60 @@ TEST(CompareTest, CoarseAndFineSearchFindKnownShifts)
         if (r.exact) EXPECT_EQ(found.Result(), 100.0) << r.shift.x() << "," << r.shift.y();
         else EXPECT_LT(found.Result(), 100.0);
     }
+}
+
+TEST(CompareTest, WholePictureAreaFollowsShiftsTowardTheBottomRightOnly)
+{
+    // Each rectangle is clipped to its picture and compared from its top-left corner. With the
+    // whole picture as the area, moving the current image's rectangle right or down leaves its
+    // corner inside and finds content moved that way; moving it left or up is clipped back to
+    // (0, 0), so content moved that way is never found. A Rect inside the border finds both.
+    // An offset left or up of the shift is clipped to it as well and scores alike; the first one
+    // tried is reported. Tolerances 1 and 2 keep the coarse search out of it (none, or one step of 2).
+    const QSize size(240, 180);
+    const QImage reference = SceneImage(size);
+    const QRect whole(QPoint(0, 0), size);
+    const QRect inside(32, 32, 176, 116);
+    struct Row {
+        QPoint shift;
+        int displacement;
+        QRect area;
+        std::optional<QPoint> offset;  // where the content is found; none: nowhere
+    };
+    const Row rows[] = {
+        {{1, 0}, 1, whole, QPoint(1, -1)},  {{0, 1}, 1, whole, QPoint(-1, 1)},  {{1, 1}, 1, whole, QPoint(1, 1)},
+        {{2, 1}, 2, whole, QPoint(2, 1)},   {{-1, 0}, 1, whole, {}},            {{0, -1}, 1, whole, {}},
+        {{-1, 1}, 1, whole, {}},            {{-2, -1}, 2, whole, {}},           {{-1, 0}, 1, inside, QPoint(-1, 0)},
+        {{0, -1}, 1, inside, QPoint(0, -1)}, {{-2, -1}, 2, inside, QPoint(-2, -1)},
+    };
+    for (const Row& r : rows) {
+        const TComparison found = Compare(reference, SceneImage(size, r.shift), r.area, r.displacement, TDifferenceKind::Rms);
+        const std::string row = std::to_string(r.shift.x()) + "," + std::to_string(r.shift.y()) + (r.area == whole ? " whole" : " inside");
+        if (r.offset) {
+            EXPECT_EQ(found.Result(), 100.0) << row;
+            EXPECT_EQ(found.offset, *r.offset) << row;
+        } else {
+            EXPECT_LT(found.Result(), 95.0) << row;
+        }
+    }
+}
+
+TEST(CompareTest, GridsWithoutInnerCellsLeaveTheCoarseStepWhereItIs)
+{
+    // Under 3 rows or columns a grid has no inner cells. The sum over none would be 0, which
+    // beats the start value 1 at the first offset tried, (-1, -1), and would move the
+    // displacement on no evidence; such grids count as entirely different instead.
+    const auto grid = [](int rows, int cols, double v) { return TBlockGrid{rows, cols, std::vector<double>(rows * cols * 3, v)}; };
+    for (const auto& [rows, cols] : {std::pair{2, 5}, {5, 2}, {1, 1}, {2, 2}}) {
+        for (int dy = -1; dy <= 1; ++dy) {
+            for (int dx = -1; dx <= 1; ++dx) EXPECT_EQ(BlockDifference(grid(rows, cols, 0.2), grid(rows, cols, 0.2), dx, dy), 1.0) << rows << "x" << cols;
+        }
+    }
+    // One inner cell: its three channels over the 3 x 3 grid's size.
+    EXPECT_DOUBLE_EQ(BlockDifference(grid(3, 3, 0.2), grid(3, 3, 0.5), 0, 0), std::sqrt(3 * 0.09) / std::sqrt(27.0));
+    // A 4 x 4 picture at tolerance 2: n = 5, one step with s = 2 on grids of 2 x 2 cells.
+    const QImage tiny = SceneImage({4, 4});
+    EXPECT_EQ(CoarseSearch(tiny, tiny, QRect(0, 0, 4, 4), 2), QPoint(0, 0));
 }
 
 TEST(CompareTest, DisplacementZeroTriesOnlyTheOriginAndLogsIt)

@@ -129,5 +129,32 @@ TEST_F(ImageFormTest, EvaluationFrameFollowsTheRectTextAndTheMouse)
     EXPECT_EQ(params.GetString("Displacement"), "4");
 }
 
+TEST_F(ImageFormTest, EvaluationClickWithoutDraggingKeepsTheAreaAndItsFrame)
+{
+    CurrentImage::replace(*image::TestPattern("bars"));
+    TDVCmdImageEvaluation command(&host);
+    TParamList params = MakeParams({{"Result", "R"}, {"Rect", "[64, 32, 128, 96]"}});
+    params.AddString("File", '"' + dir.filePath("checker.bmp") + '"');
+    QRect frameAfterClicks;
+    bool frameShown = false;
+    OnModal("TFormImageEvaluation", [&](QWidget& d) {
+        Find<QTabWidget>(d, "PageControl1").setCurrentIndex(1);
+        auto& view = Find<TSelectionView>(d, "ImageOught");
+        QTest::mouseClick(&view, Qt::LeftButton, {}, QPoint(200, 150));
+        // A hand that shakes by a pixel while clicking has not drawn an area either.
+        QTest::mousePress(&view, Qt::LeftButton, {}, QPoint(30, 40));
+        QTest::mouseMove(&view, QPoint(31, 40));
+        QTest::mouseRelease(&view, Qt::LeftButton, {}, QPoint(31, 41));
+        const auto& frame = Find<QRubberBand>(d, "ShapeSelection");
+        frameAfterClicks = frame.geometry();
+        frameShown = frame.isVisible();
+        Click(d, "BT_OK");
+    });
+    ASSERT_TRUE(command.Edit(params));
+    EXPECT_EQ(params.GetString("Rect"), "[64, 32, 128, 96]");
+    EXPECT_TRUE(frameShown);
+    EXPECT_EQ(frameAfterClicks, QRect(48, 24, 96, 72));  // the area at the view's scale 0.75
+}
+
 }  // namespace
 }  // namespace dv

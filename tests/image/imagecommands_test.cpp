@@ -10,12 +10,14 @@
 #include "tests/commands/params.h"
 #include "tests/support/testhost.h"
 
+#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QtEndian>
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <tuple>
 
 namespace dv {
@@ -95,6 +97,28 @@ QByteArray Bmp(int bits)
     return file + paletteBytes + pixels;
 }
 
+// A run-length coded 8-bit BMP, 4 x 2: each row two black pixels, then two white.
+QByteArray Rle8()
+{
+    const QByteArray pixels = QByteArray::fromHex("020002010000020002010001");  // runs, end of line, runs, end of picture
+    QByteArray file(54, '\0');
+    const QByteArray palette = QByteArray::fromHex("00000000ffffff00");
+    const int offset = 54 + static_cast<int>(palette.size());
+    file[0] = 'B';
+    file[1] = 'M';
+    qToLittleEndian<quint32>(offset + pixels.size(), file.data() + 2);
+    qToLittleEndian<quint32>(offset, file.data() + 10);
+    qToLittleEndian<quint32>(40, file.data() + 14);
+    qToLittleEndian<qint32>(4, file.data() + 18);
+    qToLittleEndian<qint32>(2, file.data() + 22);
+    qToLittleEndian<quint16>(1, file.data() + 26);
+    qToLittleEndian<quint16>(8, file.data() + 28);
+    qToLittleEndian<quint32>(1, file.data() + 30);  // RLE8
+    qToLittleEndian<quint32>(static_cast<quint32>(pixels.size()), file.data() + 34);
+    qToLittleEndian<quint32>(2, file.data() + 46);
+    return file + palette + pixels;
+}
+
 class ImageCommandTest : public testing::Test {
 protected:
     void SetUp() override
@@ -164,6 +188,45 @@ TEST_F(ImageCommandTest, FileErrorsNameTheFileAndKeepWhatWasThere)
     EXPECT_TRUE(Failure([&] { Save(Path("kein/ordner/a.bmp")); }).contains("kann nicht geschrieben werden"));
 }
 
+TEST_F(ImageCommandTest, TruncatedBitmapsAreRefusedAndTheImageStays)
+{
+    Capture("pattern:bars");
+    Save(Path("bars.bmp"));
+    QFile whole(Path("bars.bmp"));
+    ASSERT_TRUE(whole.open(QIODevice::ReadOnly));
+    const QByteArray bars = whole.readAll();
+    const std::pair<const char*, QByteArray> rows[] = {
+        {"kurz24.bmp", Bmp(24).left(54 + 10)},           // 10 of 24 pixel bytes
+        {"kurz8.bmp", Bmp(8).chopped(1)},                // the last pixel byte missing
+        {"kurz1.bmp", Bmp(1).chopped(4)},                // the top row missing
+        {"halb.bmp", bars.left(bars.size() / 2)},        // half of a 640 x 480 picture
+        {"kopf.bmp", bars.left(54)},                     // the header alone
+        {"rle.bmp", Rle8().chopped(2)},                  // the end-of-picture code missing
+    };
+    Capture("pattern:grey");
+    const QImage before = CurrentImage::snapshot();
+    for (const auto& [name, bytes] : rows) {
+        QFile out(Path(name));
+        ASSERT_TRUE(out.open(QIODevice::WriteOnly));
+        out.write(bytes);
+        out.close();
+        const QString failure = Failure([&] { Load(Path(name)); });
+        EXPECT_TRUE(failure.contains(Path(name)) && failure.contains("unvollständig")) << name << ": " << failure.toStdString();
+        EXPECT_EQ(CurrentImage::snapshot(), before) << name;
+    }
+    // Whole files load, bytes after the pixels are no harm.
+    for (const QByteArray& bytes : {Bmp(24) + QByteArray(7, 'x'), Rle8()}) {
+        QFile out(Path("ganz.bmp"));
+        ASSERT_TRUE(out.open(QIODevice::WriteOnly));
+        out.write(bytes);
+        out.close();
+        Load(Path("ganz.bmp"));
+        ASSERT_EQ(CurrentImage::snapshot().size(), QSize(4, 2));
+        EXPECT_EQ(CurrentImage::snapshot().pixel(3, 0), qRgb(255, 255, 255));
+        EXPECT_EQ(CurrentImage::snapshot().pixel(0, 1), qRgb(0, 0, 0));
+    }
+}
+
 TEST_F(ImageCommandTest, SavedCopyComparesAt100AndTheProjectPlaceholderResolves)
 {
     Capture("pattern:bars");
@@ -188,7 +251,7 @@ TEST_F(ImageCommandTest, ChangeReachesTheTargetMeanInLinearLight)
 {
     struct Row {
         const char* device;
-        const char* brightness;
+        const char* brightness;  // empty: the default 21.4
         const char* rect;
         bool grey;
     };
@@ -196,31 +259,51 @@ TEST_F(ImageCommandTest, ChangeReachesTheTargetMeanInLinearLight)
         {"pattern:bars", "21.4", "", false},  {"pattern:bars", "60", "[0, 0, 320, 240]", false},
         {"pattern:bars", "5", "", true},      {"pattern:grey", "90", "[600, 400, 100, 100]", false},
         {"pattern:bars", "60", "", false},  // saturated bars: only clipping gets there
+        // Few levels: no single byte a level lies within 0.5 % of these targets.
+        {"pattern:grey", "", "", false},      {"pattern:grey", "5", "", false},
+        {"pattern:grey", "1", "[10, 10, 300, 200]", false},  {"pattern:bars", "5", "", false},
+        {"pattern:checker", "10", "", false}, {"pattern:checker", "10", "[20, 20, 80, 80]", true},
     };
     for (const Row& r : rows) {
         Capture(r.device);
+        const QImage before = CurrentImage::snapshot();
         Run<TDVCmdImageChange>({{"Brightness", r.brightness}, {"Rect", r.rect}, {"GreyScale", r.grey ? "True" : "False"}});
         const QImage image = CurrentImage::snapshot();
         const QRect area = QString(r.rect).isEmpty() ? image.rect() : image::ClipTo(*image::RectOfText(r.rect), image.size());
-        const double target = QString(r.brightness).toDouble() / 100;
-        EXPECT_NEAR(image::MeanLuminance(image, area), target, 0.005 * target) << r.device << " " << r.brightness;
-        if (r.grey) {
-            const QRgb p = image.pixel(10, 10);
-            EXPECT_TRUE(qRed(p) == qGreen(p) && qGreen(p) == qBlue(p)) << r.device;
+        const double target = (QString(r.brightness).isEmpty() ? 21.4 : QString(r.brightness).toDouble()) / 100;
+        const QString row = QStringLiteral("%1 %2 %3").arg(r.device, r.brightness, r.rect);
+        EXPECT_NEAR(image::MeanLuminance(image, area), target, 0.005 * target) << row.toStdString();
+        int lowest = 255, highest = 0, changedOutside = 0, lit = 0, notGrey = 0;
+        for (int y = 0; y < image.height(); ++y) {
+            const uchar* was = before.constScanLine(y);
+            const uchar* is = image.constScanLine(y);
+            for (int x = 0; x < image.width(); ++x, was += 3, is += 3) {
+                if (!area.contains(x, y)) {
+                    changedOutside += std::equal(was, was + 3, is) ? 0 : 1;
+                    continue;
+                }
+                // A channel without light has nothing to scale: black stays black.
+                for (int c = 0; c < 3; ++c) lit += !r.grey && was[c] == 0 && is[c] != 0 ? 1 : 0;
+                notGrey += r.grey && (is[0] != is[1] || is[1] != is[2]) ? 1 : 0;
+                lowest = std::min<int>(lowest, is[1]);
+                highest = std::max<int>(highest, is[1]);
+            }
+        }
+        EXPECT_EQ(changedOutside, 0) << row.toStdString();
+        EXPECT_EQ(lit, 0) << row.toStdString();
+        EXPECT_EQ(notGrey, 0) << row.toStdString();
+        // A uniform area is spread over the two bytes next to the wanted light, no wider.
+        if (QString(r.device) == "pattern:grey") {
+            EXPECT_LE(highest - lowest, 1) << row.toStdString();
         }
     }
     // Half black, half white cannot reach 80 %: the white stays white, the black black.
     Capture("pattern:checker");
     Run<TDVCmdImageChange>({{"Brightness", "80"}});
     EXPECT_DOUBLE_EQ(image::MeanLuminance(CurrentImage::snapshot(), QRect(0, 0, 640, 480)), 0.5);
-    // Outside the area nothing changed; a black area stays black; bad brightness is refused.
-    Capture("pattern:grey");
-    const QRgb before = CurrentImage::snapshot().pixel(0, 0);
-    Run<TDVCmdImageChange>({{"Brightness", "80"}, {"Rect", "[100, 100, 10, 10]"}});
-    EXPECT_EQ(CurrentImage::snapshot().pixel(0, 0), before);
-    Capture("pattern:checker");
+    // A black area stays black; bad brightness is refused.
     Run<TDVCmdImageChange>({{"Brightness", "50"}, {"Rect", "[40, 0, 40, 40]"}});  // a black square
-    EXPECT_EQ(CurrentImage::snapshot().pixel(50, 10), qRgb(0, 0, 0));
+    EXPECT_EQ(image::MeanLuminance(CurrentImage::snapshot(), QRect(40, 0, 40, 40)), 0.0);
     EXPECT_TRUE(Failure([&] { Run<TDVCmdImageChange>({{"Brightness", "120"}}); }).contains("120"));
 }
 
@@ -235,6 +318,16 @@ TEST_F(ImageCommandTest, CaptureFromFilesAndPatterns)
     Capture("pattern:checker@5,-3");
     EXPECT_EQ(CurrentImage::snapshot().pixel(44, 5), qRgb(255, 255, 255));  // the edge moved right by 5
     EXPECT_EQ(CurrentImage::snapshot().pixel(4, 36), qRgb(0, 0, 0));       // and up by 3
+    // Moves beyond a million pixels are a million pixels.
+    const std::pair<const char*, const char*> far[] = {{"pattern:bars@0,-2147483648", "pattern:bars@0,-1000000"},
+                                                       {"pattern:bars@99999999999999999999,3", "pattern:bars@1000000,3"},
+                                                       {"pattern:bars@-2147483648,2147483647", "pattern:bars@-1000000,1000000"}};
+    for (const auto& [given, clamped] : far) {
+        Capture(given);
+        const QImage moved = CurrentImage::snapshot();
+        Capture(clamped);
+        EXPECT_EQ(moved, CurrentImage::snapshot()) << given;
+    }
     EXPECT_TRUE(Failure([&] { Capture("pattern:zebra"); }).contains("bars, grey, checker"));
     EXPECT_TRUE(Failure([&] { Capture("file:" + Path("fehlt.bmp")); }).contains("fehlt.bmp"));
     EXPECT_TRUE(Failure([&] { Run<TDVCmdImageCapture>({{"Device", "pattern:bars"}, {"Exposure", "-1"}}); }).contains("-1"));
@@ -259,8 +352,14 @@ TEST(PortableFileTextTest, TheProjectFolderBecomesThePlaceholder)
         {"/p/projekt2/a.bmp", "/p/projekt", "\"/p/projekt2/a.bmp\""},
         {"/p/projekt/a.bmp", "/p/projekt/", "\"%PROJEKTPFAD%/a.bmp\""},
         {"/x/a.bmp", "", "\"/x/a.bmp\""},
+        // Folders are matched regardless of case, as the placeholder is replaced when the script runs.
+        {"/P/Projekt/Bilder/a.bmp", "/p/projekt", "\"%PROJEKTPFAD%/Bilder/a.bmp\""},
+        {"/p/projekt/a.bmp", "/P/PROJEKT", "\"%PROJEKTPFAD%/a.bmp\""},
+        {"/p/projektX/a.bmp", "/P/PROJEKT", "\"/p/projektX/a.bmp\""},
     };
     for (const auto& [path, folder, text] : rows) EXPECT_EQ(image::PortableFileText(path, folder), text) << path;
+    // A relative project folder is taken from the working directory, as the file dialog's path is.
+    EXPECT_EQ(image::PortableFileText(QDir::current().filePath("proj/a.bmp"), "proj"), "\"%PROJEKTPFAD%/a.bmp\"");
 }
 
 }  // namespace
