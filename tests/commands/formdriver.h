@@ -17,7 +17,9 @@ namespace dv::test {
 
 inline void OnModal(const QString& objectName, std::function<void(QWidget&)> act)
 {
-    auto* timer = new QTimer;
+    // Owned by the application too: a dialog that closes inside a nested event loop may leave the
+    // timer's deferred deletion to a loop that never runs again.
+    auto* timer = new QTimer(QCoreApplication::instance());
     timer->setInterval(5);
     QObject::connect(timer, &QTimer::timeout, [timer, objectName, act] {
         QWidget* modal = QApplication::activeModalWidget();
