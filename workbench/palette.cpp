@@ -58,8 +58,11 @@ TCommandPalette::TCommandPalette(QWidget* parent) : QTreeWidget(parent)
 
 QTreeWidgetItem* TCommandPalette::ItemOf(const QString& procedure) const
 {
-    const QList<QTreeWidgetItem*> found = findItems(procedure, Qt::MatchExactly | Qt::MatchRecursive);
-    return found.isEmpty() ? nullptr : found.first();
+    // A group may carry a row's name ("Scope"): only rows that name a command count.
+    for (QTreeWidgetItem* item : findItems(procedure, Qt::MatchExactly | Qt::MatchRecursive)) {
+        if (!item->data(0, kCommandClassRole).toString().isEmpty()) return item;
+    }
+    return nullptr;
 }
 
 void TCommandPalette::keyPressEvent(QKeyEvent* event)
