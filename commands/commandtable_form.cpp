@@ -26,6 +26,7 @@
 #include "framework/forms/commandform.h"
 #include "framework/forms/guiforms.h"
 #include "scope/gui_scope_form.h"
+#include "scope/scopeeditor_form.h"
 
 namespace dv {
 
@@ -56,6 +57,7 @@ void RegisterForms()
     RegisterForm<TFormImageSave, TDVCmdImageSave>(QStringLiteral("TFormImageSave"));
     RegisterForm<TFormImageLoad, TDVCmdImageLoad>(QStringLiteral("TFormImageLoad"));
     RegisterForm<TFormImageChange, TDVCmdImageChange>(QStringLiteral("TFormImageChange"));
+    scope::RegisterScopeEditor();
     scope::InstallScopeWindow();
 }
 

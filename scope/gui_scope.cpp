@@ -7,6 +7,7 @@
 #include "framework/waitevents.h"
 #include "scope/curvesource.h"
 #include "scope/scopedialogs.h"
+#include "scope/scopeedit.h"
 #include "scope/scopeformat.h"
 #include "scope/scopefunctions.h"
 #include "scope/scopemodel.h"
@@ -47,8 +48,7 @@ void TScopeState::DecodeScript(const QString& command, const QString& special, b
         ScopeDialogs().ShowDecodeError(fault.Message());
         TestEnvironment().StopTest();
     }
-    // The editor fill (running false) belongs to the scope window's editor.
-    (void)running;
+    if (!running) FillEditor(s);
     g_waitEnabled = s.WaitEnabled;
 }
 

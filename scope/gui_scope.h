@@ -57,6 +57,15 @@ class TDVCmdScope : public TDVThreadRunEdit {
 public:
     explicit TDVCmdScope(TDVParser* parser);
     void RunThreaded(TParamList& params) override;
+
+    // Editing (scope/scopeedit.cpp). text carries Special, script carries Command: both in and,
+    // on OK, out as the editor writes them.
+    bool EditCommand(int x, int y, QString& text, QString& script) override;
+    // The call's Command and Special arguments through EditCommand; on OK the list holds both
+    // again as arguments, Command without its "Scope(" ... ");" frame.
+    bool Edit(TParamList& params) override;
+    // The editor back to the reset values before a new call is edited.
+    void SetDefaults() override;
 };
 
 }  // namespace dv

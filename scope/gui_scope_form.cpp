@@ -5,6 +5,7 @@
 #include "framework/translate.h"
 #include "scope/gui_scope.h"
 #include "scope/scopedisplay_form.h"
+#include "scope/scopeeditor_form.h"
 #include "scope/scopeenvelope_form.h"
 #include "scope/scopeformat.h"
 #include "scope/scopemodel.h"
@@ -51,6 +52,7 @@ TFormScope::TFormScope(bool live, QWidget* parent) : QWidget(parent, Qt::Window)
     display_ = new TScopeDisplay(this);
 
     auto* run = new QWidget(this);
+    runPanel_ = run;
     run->setObjectName(QStringLiteral("Panel_Run"));
     auto label = [run](const char* name) {
         auto* l = new QLabel(run);
@@ -82,6 +84,9 @@ TFormScope::TFormScope(bool live, QWidget* parent) : QWidget(parent, Qt::Window)
     layout->addWidget(display_);
     layout->addWidget(envelope_);
     layout->addWidget(run);
+    editPanel_ = new TScopeEditPanel(*display_, this);
+    editPanel_->hide();
+    layout->addWidget(editPanel_);
     connect(envelopeButton_, &QPushButton::toggled, this, &TFormScope::ShowEnvelopeTools);
     connect(prefix_, &QPushButton::clicked, this, &TFormScope::SwitchPrefix);
 

@@ -15,6 +15,7 @@ namespace dv::scope {
 
 class TScopeDisplay;
 class TEnvelopePanel;
+class TScopeEditPanel;
 
 class TFormScope : public QWidget, public IScopeDialogs {
     Q_OBJECT
@@ -26,6 +27,11 @@ public:
 
     TScopeDisplay& Display() const { return *display_; }
     TEnvelopePanel& Envelope() const { return *envelope_; }
+    TScopeEditPanel& EditPanel() const { return *editPanel_; }
+    // The editor of a Scope line (scope/scopeeditor_form.cpp): the window modal with its edit
+    // panel, filled from command and special when command is not empty; on OK both are replaced
+    // by what the editor writes, otherwise neither changes.
+    bool Edit(QString& command, QString& special);
     // Model -> window after a run: shows or hides a live window as the model says, and writes the
     // picture when the scope is shown and an artifacts folder is set.
     void AfterRun();
@@ -65,6 +71,8 @@ private:
     QPushButton* prefix_;
     QPushButton* envelopeButton_;
     TEnvelopePanel* envelope_;
+    QWidget* runPanel_;
+    TScopeEditPanel* editPanel_;
     QTimer* blink_;
     bool blinkOn_ = false;
     QString lastPicture_;
