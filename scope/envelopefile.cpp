@@ -37,7 +37,6 @@ struct TSection {
 // Written and read in this order.
 constexpr TSection kSections[] = {{kUpperEnvelope, "UpperCurve"}, {kLowerEnvelope, "LowerCurve"}};
 // A count beyond any drawn envelope means a damaged file, not millions of points at 0.
-constexpr long kMaxPoints = 10'000'000;
 
 QString FloatText(double v, QChar decimalSeparator)
 {
@@ -187,7 +186,7 @@ void LoadHK(TCurveStore& store, const QString& fileName)
         // The runtime's integer reading: "$3" and "0x3" are hexadecimal, anything else that is no
         // 32-bit integer reads as the default.
         const long n = StrToIntDef(ProfileText(ini.GetValue(section.name, "Values", "")), -1);
-        if (n > kMaxPoints) {
+        if (n > kMaxEnvelopePoints) {
             throw TDravikException(Format(_("Ungültige Punktzahl %s im Abschnitt %s"),
                                           {QString::number(n), QString::fromLatin1(section.name)}));
         }

@@ -10,6 +10,9 @@
 
 namespace dv::scope {
 
+// The most points one envelope of a file may declare: a damaged count cannot ask for gigabytes.
+inline constexpr long kMaxEnvelopePoints = 10'000'000;
+
 inline constexpr const char* kEnvelopeExtension = "HKV";
 inline constexpr const char* kEnvelopeFilter = "Hüllkurve|*.HKV";
 
