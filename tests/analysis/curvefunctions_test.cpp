@@ -23,15 +23,8 @@ namespace {
 
 using ::testing::NanSensitiveDoubleNear;
 
-class CurveFunctionsTest : public ::testing::Test {
+class CurveFunctionsTest : public ScopeCurveTest {
 protected:
-    void SetUp() override
-    {
-        Store().ClearAll();
-        Store().ClearCrosses();
-        Store().SetClip("", "");
-    }
-    void TearDown() override { SetUp(); }
     static TCurveStore& Store() { return ScopeStore(); }
     static void SetCurve(int c, const std::vector<double>& y)  // at times 0, 1, 2, ...
     {

@@ -43,7 +43,17 @@ double DifferingShare(const QImage& a, const QImage& b)
     return static_cast<double>(differing) / (a.width() * a.height());
 }
 
-QImage Blank() { return QImage(kPlotAreaWidth, kPlotAreaHeight, QImage::Format_RGB32); }
+// The plot area, black, with what draw paints in green.
+QImage Drawn(const std::function<void(QPainter&)>& draw)
+{
+    QImage image(kPlotAreaWidth, kPlotAreaHeight, QImage::Format_RGB32);
+    image.fill(Qt::black);
+    QPainter p(&image);
+    p.setPen(Qt::green);
+    draw(p);
+    p.end();
+    return image;
+}
 
 TEST(ScopeDecimation, LooksLikeEveryPointDrawnWithFarFewerStrokes)
 {
@@ -60,25 +70,14 @@ TEST(ScopeDecimation, LooksLikeEveryPointDrawnWithFarFewerStrokes)
     map.zeroY = kPlotAreaHeight / 2.0;
     map.xStep = 1.0 / (kPlotAreaWidth / 50.0);
     map.yStep = 0.5;
-    QImage everyPoint = Blank();
-    everyPoint.fill(Qt::black);
-    {
-        QPainter p(&everyPoint);
-        p.setPen(Qt::green);
+    const QImage everyPoint = Drawn([&](QPainter& p) {
         QPolygonF line;
         for (std::size_t i = 0; i < n; ++i) line << QPointF(map.PixelX(x[i]), map.PixelY(y[i]));
         p.drawPolyline(line);
-    }
+    });
     const std::vector<TColumnSpan> spans = DecimateMinMax(x, y, map, 0, kPlotAreaWidth);
-    QImage decimated = Blank();
-    decimated.fill(Qt::black);
-    {
-        QPainter p(&decimated);
-        p.setPen(Qt::green);
-        DrawDecimated(p, spans);
-    }
     EXPECT_LE(spans.size(), static_cast<std::size_t>(kPlotAreaWidth + 2));
-    EXPECT_LE(DifferingShare(everyPoint, decimated), 0.005);
+    EXPECT_LE(DifferingShare(everyPoint, Drawn([&](QPainter& p) { DrawDecimated(p, spans); })), 0.005);
 }
 
 TEST(ScopeDecimation, PointsOutsideTheColumnsStillJoinTheVisibleOnes)
