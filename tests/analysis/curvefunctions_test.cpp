@@ -1,34 +1,30 @@
 // The curve measurements: numbers against make_measure_refs.py's data, hand-worked edge cases and
-// kept quirks with the crosses they leave, the clip marks and the store.
+// kept quirks with the crosses they leave, the clip marks and the store; the Butterworth filters
+// against scipy, alone and over the scope's curves.
 #include "analysis/curvefunctions.h"
+#include "analysis/curvefunctions_filters.h"
+#include "analysis/iirfilter.h"
 #include "framework/exceptions.h"
 #include "scope/envelopefile.h"
 #include "tests/analysis/refdata.h"
+#include "tests/scope/testio.h"
 
 #include <gmock/gmock.h>
 
-#include <QFile>
-#include <QTemporaryDir>
-
+#include <algorithm>
 #include <functional>
 #include <limits>
 #include <map>
 #include <optional>
+#include <tuple>
 
 namespace dv::analysis::test {
 namespace {
 
 using ::testing::NanSensitiveDoubleNear;
 
-class CurveFunctionsTest : public ::testing::Test {
+class CurveFunctionsTest : public ScopeCurveTest {
 protected:
-    void SetUp() override
-    {
-        Store().ClearAll();
-        Store().ClearCrosses();
-        Store().SetClip("", "");
-    }
-    void TearDown() override { SetUp(); }
     static TCurveStore& Store() { return ScopeStore(); }
     static void SetCurve(int c, const std::vector<double>& y)  // at times 0, 1, 2, ...
     {
@@ -90,14 +86,9 @@ TEST_F(CurveFunctionsTest, HandWorkedCases)
     scope::SaveHK(Store(), band);
     Store().Assign(kUpperEnvelope, {0, 4}, {0, 0});
     scope::SaveHK(Store(), twoPoints);
-    QFile table(dir.filePath("table.txt"));
-    ASSERT_TRUE(table.open(QIODevice::WriteOnly));
-    table.write("0;0\r\nno numbers here\r\n10;5\r\nabc;1\r\n20;5\r\n30,5;2\r\n7\r\n");
-    table.close();
-    QFile words(dir.filePath("words.txt"));
-    ASSERT_TRUE(words.open(QIODevice::WriteOnly));
-    words.write("0;0\nnan;1\n100;10\ninf;2\n50;-inf\n-INF;3\n1e999;4\n");
-    words.close();
+    const QString table = dir.filePath("table.txt"), words = dir.filePath("words.txt");
+    ASSERT_TRUE(testio::WriteFile(table, "0;0\r\nno numbers here\r\n10;5\r\nabc;1\r\n20;5\r\n30,5;2\r\n7\r\n"));
+    ASSERT_TRUE(testio::WriteFile(words, "0;0\nnan;1\n100;10\ninf;2\n50;-inf\n-INF;3\n1e999;4\n"));
     constexpr double big = std::numeric_limits<double>::max();
     using V = std::vector<double>;
     const V off = {12, 1, 2.2, 4, 1, 2.2, 4, 4, 1, 2.2, 0}, ramp = {0, 10, 20, 10};
@@ -191,11 +182,11 @@ TEST_F(CurveFunctionsTest, HandWorkedCases)
         {"missing envelope file", {1}, inside(dir.filePath("none.HKV")), 0},
         // Both differences scaled by 1/100, lines without two numbers skipped: 5 - 5 * 10 / 100 *
         // 5 / 100 and 25 - (5 * 10.5 / 100 * -3 / 100 + 5).
-        {"correction inside a row", {5}, crossFirst(correct(table.fileName())), 4.975, Marks({})},
-        {"correction by a row with a decimal comma", {25}, correct(table.fileName()), 20.01575},
-        {"no correction outside every row", {-1}, correct(table.fileName()), -1},
+        {"correction inside a row", {5}, crossFirst(correct(table)), 4.975, Marks({})},
+        {"correction by a row with a decimal comma", {25}, correct(table), 20.01575},
+        {"no correction outside every row", {-1}, correct(table), -1},
         // 5 - 5 * 100 / 100 * 10 / 100; read as a row, "nan;1" would become (0, 1) and give 3.55.
-        {"nan, inf and overflowing lines hold no numbers", {5}, correct(words.fileName()), 4.5},
+        {"nan, inf and overflowing lines hold no numbers", {5}, correct(words), 4.5},
         {"a missing correction file changes nothing", {5}, correct(dir.filePath("none.txt")), 5},
     };
     for (const Row& r : rows) {
@@ -254,6 +245,85 @@ TEST(CurveStoreTest, BadHandlesAndIndicesChangeNothing)
     store.RemoveAt(1, 7);
     store.SetValue(1, -1, {8, 9});
     EXPECT_EQ(std::pair(store.CurveValuesCount(1), store.GetValue(1, 0).y), std::pair(1, 2.0));
+}
+
+using ::testing::HasSubstr;
+using ::testing::ThrowsMessage;
+
+const std::map<std::string, TFilterResponse> kResponses = {
+    {"lowpass", TFilterResponse::LowPass}, {"highpass", TFilterResponse::HighPass}, {"bandpass", TFilterResponse::BandPass}};
+
+// Relative to the largest output: scipy runs in double, so any real design fault lies far above
+// 1e-6 (a wrong zero pairing errs by tens of percent on wide bands).
+void ExpectNear(const std::vector<double>& ours, const test::TRefCase& c)
+{
+    const double largest = std::abs(std::ranges::max(c.values, {}, [](double v) { return std::abs(v); }));
+    ASSERT_EQ(ours.size(), c.values.size()) << c.header;
+    for (std::size_t i = 0; i < c.values.size(); ++i) {
+        ASSERT_NEAR(ours[i], c.values[i], 1e-6 * largest) << c.header << " sample " << i;
+    }
+}
+
+// Orders 1 to 8; bands as wide as the rate allows, narrow ones at either band edge, rates above
+// 1 MHz, and the unit impulse through the widest band.
+TEST(ButterworthTest, MatchesScipyButterSosfiltForOrdersOneToEight)
+{
+    int cases = 0;
+    for (const test::TRefCase& c : test::LoadRefCases("butterworth.txt")) {
+        if (c.name == "zoomed") continue;
+        std::vector<double> ours(c.input.size());
+        RunCascade(DesignButterworth(kResponses.at(c.name), c.Int("order"), c.Number("f1"), c.Number("f2"), c.Number("rate")),
+                   c.input, ours);
+        ExpectNear(ours, c);
+        ++cases;
+    }
+    EXPECT_GE(cases, 8 * 15);
+}
+
+TEST(ButterworthTest, InvalidArgumentsAreNamedInTheMessage)
+{
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    using enum TFilterResponse;
+    const std::pair<std::tuple<TFilterResponse, int, double, double, double>, const char*> rows[] = {
+        {{LowPass, 0, 100, 0, 1000}, "Filterordnung 0"},       {{HighPass, 17, 100, 0, 1000}, "Filterordnung 17"},
+        {{LowPass, 2, 100, 0, 0}, "Abtastrate 0"},             {{LowPass, 2, 100, 0, nan}, "Abtastrate nan"},
+        {{HighPass, 2, -10, 0, 1000}, "Grenzfrequenz -10 "},   {{LowPass, 2, 500, 0, 1000}, "Grenzfrequenz 500 "},
+        {{LowPass, 2, nan, 0, 1000}, "Grenzfrequenz nan "},    {{BandPass, 2, 100, 500, 1000}, "Grenzfrequenz 500 "},
+        {{BandPass, 2, 200, 100, 1000}, "Untere Grenzfrequenz 200"}, {{BandPass, 2, 150, 150, 1000}, "Untere Grenzfrequenz 150"}};
+    for (const auto& [arguments, mentions] : rows) {
+        EXPECT_THAT([&arguments] { std::apply(DesignButterworth, arguments); }, ThrowsMessage<TDravikException>(HasSubstr(mentions)));
+    }
+}
+
+class FilterCurveTest : public test::ScopeCurveTest {};  // the scope's filters over curve 1
+
+TEST_F(FilterCurveTest, EachResponseFiltersTheZoomedRangeFromRestAndLeavesTheCurve)
+{
+    using Filter = std::function<std::vector<double>(const test::TRefCase&)>;
+    const std::map<std::string, Filter> filters = {
+        {"lowpass", [](const auto& c) { return FuncLowPass(1, c.Number("f1"), c.Number("rate"), c.Int("order")); }},
+        {"highpass", [](const auto& c) { return FuncHighPass(1, c.Number("f1"), c.Number("rate"), c.Int("order")); }},
+        {"bandpass", [](const auto& c) { return FuncBandPass(1, c.Number("f1"), c.Number("f2"), c.Number("rate"), c.Int("order")); }}};
+    for (const test::TRefCase& c : test::LoadRefCases("butterworth.txt")) {
+        if (c.name != "zoomed") continue;
+        SetCurve(c.input, c.Number("rate"));
+        ScopeStore().SetClip("0,1", "0.3");  // samples 100 .. 300 at 1 kHz
+        ExpectNear(filters.at(c.params.at("response"))(c), c);
+        EXPECT_TRUE(std::ranges::equal(ScopeStore().Y(1), c.input)) << c.header;
+    }
+}
+
+TEST_F(FilterCurveTest, RateAboveOneMillionIsScaledDownAndBadArgumentsAreNamed)
+{
+    SetCurve(test::Tones(1000, {{30, 1.0}}, 1.0, 300), 1000);
+    EXPECT_EQ(FuncLowPass(1, 10000, 2000000, 3), FuncLowPass(1, 10, 2000, 3));
+    EXPECT_EQ(FuncBandPass(1, 20000, 90000, 2000000, 2), FuncBandPass(1, 20, 90, 2000, 2));
+    // Below the limit nothing is scaled, so a cut-off the design refuses stays refused.
+    EXPECT_THAT([] { FuncHighPass(1, 600000, 1000000, 2); }, ThrowsMessage<TDravikException>(HasSubstr("Grenzfrequenz 600000")));
+    EXPECT_NO_THROW(FuncHighPass(1, 600000, 2000000, 2));
+    EXPECT_TRUE(FuncHighPass(2, 50, 1000, 2).empty());
+    EXPECT_THAT([] { FuncLowPass(9, 50, 1000, 2); }, ThrowsMessage<TDravikException>(HasSubstr("Kurvennummer 9")));
+    EXPECT_THAT([] { FuncBandPass(1, 50, 60, 1000, 0); }, ThrowsMessage<TDravikException>(HasSubstr("Filterordnung 0")));
 }
 
 }  // namespace

@@ -1,11 +1,24 @@
+// The image arithmetic: linear light, rect texts and clipping, coverage, differences and the
+// search for a moved picture; and ImageEval against results computed independently from the
+// written rules (numpy, by make_imageeval_refs.py) on the pictures in data/imageeval: content
+// moved with and without noise; areas inside, partly outside, the whole picture, tiny, along the
+// border; tolerances 0 to 16; RMS, worst pixel and coverage.
 #include "image/evaluation.h"
 
+#include "image/bitmapfile.h"
+#include "image/currentimage.h"
+#include "image/gui_imageevaluation.h"
 #include "image/linearlight.h"
+#include "tests/support/testhost.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <fstream>
+#include <iomanip>
+#include <map>
 #include <optional>
+#include <sstream>
 
 namespace dv::image {
 namespace {
@@ -72,7 +85,7 @@ TEST(AreaTest, RectTextsAndClipping)
     for (const Row& r : rows) EXPECT_EQ(AreaOfText(r.text, size), r.area) << r.text;
     // Numbers beyond what a picture can have: the corners are kept within a billion pixels, so
     // that the area still reaches as far as it can and clipping gives what is visible.
-    const std::pair<const char*, QRect> huge[] = {
+    const std::pair<const char*, QRect> clipped[] = {
         {"{0}{0}{10000000000}{100}", QRect(0, 0, 100, 50)},
         {"{-10000000000}{0}{20000000000}{50}", QRect(0, 0, 100, 50)},
         {"[-1E20, -1E20, 1E20, 1E20]", QRect()},  // its right and bottom edges are 0
@@ -80,25 +93,19 @@ TEST(AreaTest, RectTextsAndClipping)
         {"[-2147483648, -2147483648, 2147483647, 2147483647]", QRect()},
         {"[2000000000, 0, 2000000000, 10]", QRect()},
         {"[-2000000000, 10, 2000000050, 10]", QRect(0, 10, 50, 10)},
+        {"[-5, -5, 20, 20]", QRect(0, 0, 15, 15)},
+        {"[90, 40, 20, 20]", QRect(90, 40, 10, 10)},
+        {"[-10, 10, 200, 5]", QRect(0, 10, 100, 5)},
+        {"[120, 0, 10, 10]", QRect()},
+        {"[0, -30, 10, 10]", QRect()},
     };
-    for (const auto& [text, clipped] : huge) {
+    for (const auto& [text, visible] : clipped) {
         const QRect c = ClipTo(AreaOfText(text, size), size);
-        EXPECT_EQ(c.isEmpty(), clipped.isEmpty()) << text;
-        if (!clipped.isEmpty()) {
-            EXPECT_EQ(c, clipped) << text;
+        EXPECT_EQ(c.isEmpty(), visible.isEmpty()) << text;
+        if (!visible.isEmpty()) {
+            EXPECT_EQ(c, visible) << text;
         }
     }
-    const std::pair<QRect, QRect> clips[] = {
-        {QRect(-5, -5, 20, 20), QRect(0, 0, 15, 15)},  {QRect(90, 40, 20, 20), QRect(90, 40, 10, 10)},
-        {QRect(-10, 10, 200, 5), QRect(0, 10, 100, 5)},
-    };
-    for (const auto& [area, clipped] : clips) {
-        const QRect c = ClipTo(area, size);
-        EXPECT_EQ(c.topLeft(), clipped.topLeft());
-        EXPECT_EQ(c.size(), clipped.size());
-    }
-    EXPECT_TRUE(ClipTo(QRect(120, 0, 10, 10), size).isEmpty());
-    EXPECT_TRUE(ClipTo(QRect(0, -30, 10, 10), size).isEmpty());
 }
 
 TEST(CoverageTest, UniformAreaIsZeroForEveryGreyLevelAndSize)
@@ -263,6 +270,80 @@ TEST(CompareTest, FineSearchStaysInsideTheToleranceAndLogsEachOffset)
     EXPECT_TRUE(lines[0].startsWith("3,-1 ")) << lines[0].toStdString();
     EXPECT_TRUE(lines.last().startsWith("4,1 ")) << lines.last().toStdString();
     for (const QString& line : lines) EXPECT_TRUE(line.endsWith('%')) << line.toStdString();
+}
+
+const QString kFolder = QStringLiteral(DV_TEST_DATA_DIR "/image/data/imageeval/");
+
+struct TRefRow {
+    std::string reference;
+    std::string current;
+    std::string rect;  // "left,top,width,height" or "-"
+    int displacement = 0;
+    std::string mode;  // rms, max or coverage
+    double result = 0;
+    QPoint offset;
+};
+
+std::vector<TRefRow> LoadRows()
+{
+    std::ifstream in((kFolder + "results.txt").toStdString());
+    std::vector<TRefRow> rows;
+    for (std::string line; std::getline(in, line);) {
+        if (line.empty() || line[0] == '#') continue;
+        std::istringstream fields(line);
+        TRefRow r;
+        int dx = 0, dy = 0;
+        fields >> r.reference >> r.current >> r.rect >> r.displacement >> r.mode >> r.result >> dx >> dy;
+        r.offset = QPoint(dx, dy);
+        if (fields) rows.push_back(r);
+        else ADD_FAILURE() << "unreadable row: " << line;
+    }
+    return rows;
+}
+
+// The Rect parameter as a script hands it over; "-" none, the whole picture.
+QString RectParam(const std::string& rect)
+{
+    return rect == "-" ? QStringLiteral("[]") : '[' + QString::fromStdString(rect).replace(',', ", ") + ']';
+}
+
+TEST(ImageEvalReferenceTest, ResultsAndOffsetsMatchTheIndependentComputation)
+{
+    const std::vector<TRefRow> rows = LoadRows();
+    ASSERT_GE(rows.size(), 150u);
+    test::TTestHost host;
+    host.Declare("Ergebnis", g_NumberType);
+    std::map<std::string, QImage> pictures;
+    const auto picture = [&pictures](const std::string& name) -> const QImage& {
+        auto [it, added] = pictures.try_emplace(name);
+        if (added) it->second = image::ReadBitmap(kFolder + QString::fromStdString(name));
+        return it->second;
+    };
+    for (const TRefRow& r : rows) {
+        const QImage& reference = picture(r.reference);
+        const QImage& current = picture(r.current);
+        CurrentImage::replace(current);
+        TParamList params;
+        params.AddString("Result", "Ergebnis");
+        params.AddString("File", kFolder + QString::fromStdString(r.reference));
+        params.AddString("Rect", RectParam(r.rect));
+        params.AddString("Displacement", QString::number(r.displacement));
+        params.AddString("Coverage", r.mode == "coverage" ? "True" : "False");
+        params.AddString("CompareMax", r.mode == "max" ? "True" : "False");
+        TDVCmdImageEvaluation command(&host);
+        command.Run(params);
+        const double result = static_cast<double>(static_cast<const TNumberValue*>(host.Value("Ergebnis"))->GetVal());
+        std::ostringstream row;
+        row << std::setprecision(17) << r.current << " against " << r.reference << " rect " << r.rect << " d " << r.displacement << " " << r.mode
+            << ": expected " << r.result << ", got " << result;
+        // Both sides add the same squares in another order: they differ by about 1e-13.
+        EXPECT_NEAR(result, r.result, 1e-9) << row.str();
+        if (r.mode == "coverage") continue;
+        const auto kind = r.mode == "max" ? image::TDifferenceKind::WorstPixel : image::TDifferenceKind::Rms;
+        const QPoint offset = image::Compare(reference, current, image::AreaOfText(RectParam(r.rect), current.size()),
+                                             r.displacement, kind).offset;
+        EXPECT_EQ(offset, r.offset) << row.str() << " at " << offset.x() << "," << offset.y();
+    }
 }
 
 }  // namespace

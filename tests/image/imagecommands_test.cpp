@@ -8,11 +8,10 @@
 #include "image/gui_imageload.h"
 #include "image/gui_imagesave.h"
 #include "tests/commands/params.h"
+#include "tests/scope/testio.h"
 #include "tests/support/testhost.h"
 
 #include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
 #include <QtEndian>
 
 #include <gtest/gtest.h>
@@ -37,8 +36,29 @@ QString Failure(F f)
     return {};
 }
 
-// A BMP file written byte by byte: 4 x 2 pixels red, green, blue, white / black, white, red, blue
-// (1 bit: black and white only), bottom-up rows padded to four bytes.
+// A BMP file of 4 x 2 pixels, put together byte by byte: the header, the palette (BGR0 entries),
+// the pixel rows; compression 1 is run-length coding.
+QByteArray BmpFile(int bits, const QByteArray& palette, const QByteArray& pixels, quint32 compression = 0)
+{
+    QByteArray file(54, '\0');
+    const int offset = 54 + static_cast<int>(palette.size());
+    file[0] = 'B';
+    file[1] = 'M';
+    qToLittleEndian<quint32>(offset + pixels.size(), file.data() + 2);
+    qToLittleEndian<quint32>(offset, file.data() + 10);
+    qToLittleEndian<quint32>(40, file.data() + 14);
+    qToLittleEndian<qint32>(4, file.data() + 18);
+    qToLittleEndian<qint32>(2, file.data() + 22);
+    qToLittleEndian<quint16>(1, file.data() + 26);
+    qToLittleEndian<quint16>(static_cast<quint16>(bits), file.data() + 28);
+    qToLittleEndian<quint32>(compression, file.data() + 30);
+    qToLittleEndian<quint32>(compression ? static_cast<quint32>(pixels.size()) : 0, file.data() + 34);
+    qToLittleEndian<quint32>(static_cast<quint32>(palette.size() / 4), file.data() + 46);
+    return file + palette + pixels;
+}
+
+// Red, green, blue, white / black, white, red, blue (1 bit: black and white only) at any depth,
+// bottom-up rows padded to four bytes.
 QByteArray Bmp(int bits)
 {
     const QRgb colours[2][4] = {{qRgb(255, 0, 0), qRgb(0, 255, 0), qRgb(0, 0, 255), qRgb(255, 255, 255)},
@@ -76,48 +96,16 @@ QByteArray Bmp(int bits)
         pixels += row;
     }
     QByteArray paletteBytes;
-    if (bits <= 8) {
-        for (QRgb c : palette) {
-            const char bgr0[4] = {char(qBlue(c)), char(qGreen(c)), char(qRed(c)), 0};
-            paletteBytes.append(bgr0, 4);
-        }
+    for (QRgb c : palette) {
+        const char bgr0[4] = {char(qBlue(c)), char(qGreen(c)), char(qRed(c)), 0};
+        if (bits <= 8) paletteBytes.append(bgr0, 4);
     }
-    QByteArray file(54, '\0');
-    const int offset = 54 + static_cast<int>(paletteBytes.size());
-    file[0] = 'B';
-    file[1] = 'M';
-    qToLittleEndian<quint32>(offset + pixels.size(), file.data() + 2);
-    qToLittleEndian<quint32>(offset, file.data() + 10);
-    qToLittleEndian<quint32>(40, file.data() + 14);
-    qToLittleEndian<qint32>(4, file.data() + 18);
-    qToLittleEndian<qint32>(2, file.data() + 22);
-    qToLittleEndian<quint16>(1, file.data() + 26);
-    qToLittleEndian<quint16>(static_cast<quint16>(bits), file.data() + 28);
-    qToLittleEndian<quint32>(bits <= 8 ? static_cast<quint32>(palette.size()) : 0, file.data() + 46);
-    return file + paletteBytes + pixels;
+    return BmpFile(bits, paletteBytes, pixels);
 }
 
-// A run-length coded 8-bit BMP, 4 x 2: each row two black pixels, then two white.
-QByteArray Rle8()
-{
-    const QByteArray pixels = QByteArray::fromHex("020002010000020002010001");  // runs, end of line, runs, end of picture
-    QByteArray file(54, '\0');
-    const QByteArray palette = QByteArray::fromHex("00000000ffffff00");
-    const int offset = 54 + static_cast<int>(palette.size());
-    file[0] = 'B';
-    file[1] = 'M';
-    qToLittleEndian<quint32>(offset + pixels.size(), file.data() + 2);
-    qToLittleEndian<quint32>(offset, file.data() + 10);
-    qToLittleEndian<quint32>(40, file.data() + 14);
-    qToLittleEndian<qint32>(4, file.data() + 18);
-    qToLittleEndian<qint32>(2, file.data() + 22);
-    qToLittleEndian<quint16>(1, file.data() + 26);
-    qToLittleEndian<quint16>(8, file.data() + 28);
-    qToLittleEndian<quint32>(1, file.data() + 30);  // RLE8
-    qToLittleEndian<quint32>(static_cast<quint32>(pixels.size()), file.data() + 34);
-    qToLittleEndian<quint32>(2, file.data() + 46);
-    return file + palette + pixels;
-}
+// Run-length coded 8 bits: each row two black pixels, then two white; runs, end of line, runs,
+// end of picture.
+QByteArray Rle8() { return BmpFile(8, QByteArray::fromHex("00000000ffffff00"), QByteArray::fromHex("020002010000020002010001"), 1); }
 
 class ImageCommandTest : public testing::Test {
 protected:
@@ -154,10 +142,7 @@ TEST_F(ImageCommandTest, BitmapsOfEveryDepthLoadAsTwentyFourBit)
 {
     for (int bits : {1, 4, 8, 16, 24, 32}) {
         const QString file = Path(QStringLiteral("depth%1.bmp").arg(bits));
-        QFile out(file);
-        ASSERT_TRUE(out.open(QIODevice::WriteOnly));
-        out.write(Bmp(bits));
-        out.close();
+        ASSERT_TRUE(testio::WriteFile(file, Bmp(bits)));
         Load(file);
         const QImage image = CurrentImage::snapshot();
         EXPECT_EQ(image.format(), QImage::Format_RGB888) << bits;
@@ -178,10 +163,7 @@ TEST_F(ImageCommandTest, FileErrorsNameTheFileAndKeepWhatWasThere)
 {
     EXPECT_TRUE(Failure([&] { Save(Path("a.bmp")); }).contains("kein aktuelles Bild"));
     EXPECT_TRUE(Failure([&] { Load(Path("fehlt.bmp")); }).contains(Path("fehlt.bmp")));
-    QFile junk(Path("kaputt.bmp"));
-    ASSERT_TRUE(junk.open(QIODevice::WriteOnly));
-    junk.write("BM kein Bild");
-    junk.close();
+    ASSERT_TRUE(testio::WriteFile(Path("kaputt.bmp"), "BM kein Bild"));
     Capture("pattern:grey");
     EXPECT_TRUE(Failure([&] { Load(Path("kaputt.bmp")); }).contains("kaputt.bmp"));
     EXPECT_EQ(CurrentImage::snapshot().size(), QSize(640, 480));  // the failed load changed nothing
@@ -193,8 +175,7 @@ TEST_F(ImageCommandTest, TruncatedBitmapsAreRefusedAndTheImageStays)
     Capture("pattern:bars");
     Save(Path("bars.bmp"));
     QFile whole(Path("bars.bmp"));
-    ASSERT_TRUE(whole.open(QIODevice::ReadOnly));
-    const QByteArray bars = whole.readAll();
+    const QByteArray bars = whole.open(QIODevice::ReadOnly) ? whole.readAll() : QByteArray();
     const std::pair<const char*, QByteArray> rows[] = {
         {"kurz24.bmp", Bmp(24).left(54 + 10)},           // 10 of 24 pixel bytes
         {"kurz8.bmp", Bmp(8).chopped(1)},                // the last pixel byte missing
@@ -206,20 +187,14 @@ TEST_F(ImageCommandTest, TruncatedBitmapsAreRefusedAndTheImageStays)
     Capture("pattern:grey");
     const QImage before = CurrentImage::snapshot();
     for (const auto& [name, bytes] : rows) {
-        QFile out(Path(name));
-        ASSERT_TRUE(out.open(QIODevice::WriteOnly));
-        out.write(bytes);
-        out.close();
+        ASSERT_TRUE(testio::WriteFile(Path(name), bytes));
         const QString failure = Failure([&] { Load(Path(name)); });
         EXPECT_TRUE(failure.contains(Path(name)) && failure.contains("unvollständig")) << name << ": " << failure.toStdString();
         EXPECT_EQ(CurrentImage::snapshot(), before) << name;
     }
     // Whole files load, bytes after the pixels are no harm.
     for (const QByteArray& bytes : {Bmp(24) + QByteArray(7, 'x'), Rle8()}) {
-        QFile out(Path("ganz.bmp"));
-        ASSERT_TRUE(out.open(QIODevice::WriteOnly));
-        out.write(bytes);
-        out.close();
+        ASSERT_TRUE(testio::WriteFile(Path("ganz.bmp"), bytes));
         Load(Path("ganz.bmp"));
         ASSERT_EQ(CurrentImage::snapshot().size(), QSize(4, 2));
         EXPECT_EQ(CurrentImage::snapshot().pixel(3, 0), qRgb(255, 255, 255));

@@ -1,5 +1,6 @@
 // The image dialogs as the user meets them: titles and help, controls by name with their captions,
-// parameters in and out, and the file dialogs of the choose buttons.
+// parameters in and out, the file dialogs of the choose buttons with the project folder written as
+// its placeholder, and the evaluation's frame drawn from the Rect text and with the mouse.
 #include "framework/forms/dvform.h"
 #include "image/bitmapfile.h"
 #include "image/currentimage.h"
@@ -8,15 +9,17 @@
 #include "image/gui_imageevaluation.h"
 #include "image/gui_imageload.h"
 #include "image/gui_imagesave.h"
+#include "image/selectionview_form.h"
 #include "image/testpattern.h"
 #include "tests/commands/formdriver.h"
 #include "tests/commands/params.h"
+#include "tests/scope/formcheck.h"
 #include "tests/support/testhost.h"
 
-#include <QComboBox>
 #include <QFileDialog>
-#include <QLabel>
-#include <QMessageBox>
+#include <QFileInfo>
+#include <QRubberBand>
+#include <QTabWidget>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -52,7 +55,33 @@ bool EditWith(TTestHost& host, TParamList& params, const char* formName, std::fu
 
 class ImageDialogTest : public testing::Test {
 protected:
-    void SetUp() override { CurrentImage::replace(*image::TestPattern("bars")); }
+    void SetUp() override
+    {
+        CurrentImage::replace(*image::TestPattern("bars"));
+        image::WriteBitmap(*image::TestPattern("checker"), dir.filePath("checker.bmp"));
+    }
+    void DeclareProjectFolder()
+    {
+        host.Declare("PROJEKTPFAD", g_StringType).Assign(std::make_unique<TStringValue>(dir.path()));
+    }
+    // Chooses file in the next file dialog of that name; openedIn, where given, learns the folder
+    // it opened in.
+    static void ChooseInFileDialog(const char* dialogName, const QString& file, QString* openedIn = nullptr)
+    {
+        OnModal(dialogName, [=](QWidget& w) {
+            auto& dialog = static_cast<QFileDialog&>(w);
+            if (openedIn) *openedIn = dialog.directory().absolutePath();
+            dialog.selectFile(file);
+            QMetaObject::invokeMethod(&dialog, "accept");
+        });
+    }
+    // The evaluation of the current image against checker.bmp in the given area.
+    TParamList Evaluation(const char* rect)
+    {
+        TParamList params = MakeParams({{"Result", "R"}, {"Rect", rect}});
+        params.AddString("File", '"' + dir.filePath("checker.bmp") + '"');
+        return params;
+    }
     QTemporaryDir dir;
     TTestHost host;
 };
@@ -166,27 +195,65 @@ TEST_F(ImageDialogTest, CaptureDialogOffersThePatternsAndBindsItsParametersBothW
 
 TEST_F(ImageDialogTest, EvaluationChooseButtonWritesThePortableFileAndShowsTheReference)
 {
-    image::WriteBitmap(*image::TestPattern("checker"), dir.filePath("soll.bmp"));
-    host.Declare("PROJEKTPFAD", g_StringType).Assign(std::make_unique<TStringValue>(dir.path()));
+    DeclareProjectFolder();
     host.projectPath = dir.path();
     TParamList params = MakeParams({{"Result", "R"}});
     bool referenceShown = false;
     ASSERT_TRUE(EditWith<TDVCmdImageEvaluation>(host, params, "TFormImageEvaluation", [&](QWidget& d) {
-        OnModal("OpenDialog", [&](QWidget& w) {
-            static_cast<QFileDialog&>(w).selectFile(dir.filePath("soll.bmp"));
-            QMetaObject::invokeMethod(&w, "accept");
-        });
+        ChooseInFileDialog("OpenDialog", dir.filePath("checker.bmp"));
         Click(d, "ButtonLoad");
         referenceShown = !Find<QLabel>(d, "ImageOught").pixmap().isNull();
         Click(d, "BT_OK");
     }));
-    EXPECT_EQ(params.GetString("File"), "\"%PROJEKTPFAD%/soll.bmp\"");
+    EXPECT_EQ(params.GetString("File"), "\"%PROJEKTPFAD%/checker.bmp\"");
     EXPECT_TRUE(referenceShown);
+}
+
+TEST_F(ImageDialogTest, LoadDialogChoosesPortablyAndKeepsTheImageWhenCancelled)
+{
+    CurrentImage::replace({});
+    DeclareProjectFolder();
+    TParamList params = MakeParams({{"File", "\"alt.bmp\""}});
+    QString openedIn;
+    QString edited;
+    bool previewShown = false;
+    EXPECT_FALSE(EditWith<TDVCmdImageLoad>(host, params, "TFormImageLoad", [&](QWidget& d) {
+        ChooseInFileDialog("OpenDialog", dir.filePath("checker.bmp"), &openedIn);
+        Click(d, "ButtonLoad");
+        edited = Find<QLineEdit>(d, "DVEdit_File").text();
+        previewShown = !Find<QLabel>(d, "ImageIs").pixmap().isNull();
+        Click(d, "BT_Cancel");
+    }));
+    EXPECT_EQ(openedIn, QFileInfo(dir.path()).absoluteFilePath());
+    EXPECT_EQ(edited, "\"%PROJEKTPFAD%/checker.bmp\"");
+    EXPECT_TRUE(previewShown);
+    EXPECT_EQ(params.GetString("File"), "\"alt.bmp\"");            // cancelled: the list as it was
+    EXPECT_EQ(CurrentImage::snapshot().size(), QSize(640, 480));  // but the chosen picture is loaded
+}
+
+TEST_F(ImageDialogTest, SaveDialogWithoutProjectVariableOpensInItsDefaultFolder)
+{
+    TParamList params;
+    QString openedIn;
+    QString outcome;
+    EXPECT_TRUE(EditWith<TDVCmdImageSave>(host, params, "TFormImageSave", [&](QWidget& d) {
+        ChooseInFileDialog("SaveDialog", dir.filePath("neu.bmp"), &openedIn);
+        Click(d, "ButtonSelect");
+        OnModal("MSG_TestResult", [&](QWidget& box) {
+            outcome = static_cast<QMessageBox&>(box).text();
+            static_cast<QMessageBox&>(box).accept();
+        });
+        Click(d, "BT_Test");
+        Click(d, "BT_OK");
+    }));
+    EXPECT_NE(openedIn, QFileInfo(dir.path()).absoluteFilePath());
+    EXPECT_EQ(params.GetString("File"), '"' + dir.filePath("neu.bmp") + '"');
+    EXPECT_EQ(outcome, "Ergebnis = gespeichert");
+    EXPECT_EQ(image::ReadBitmap(dir.filePath("neu.bmp")).size(), QSize(640, 480));
 }
 
 TEST_F(ImageDialogTest, SaveDialogChoosesAnExistingFileWithoutAsking)
 {
-    image::WriteBitmap(*image::TestPattern("grey"), dir.filePath("alt.bmp"));
     // Should a question come up, it is answered Yes, and noted.
     QStringList questions;
     QTimer watch;
@@ -201,15 +268,65 @@ TEST_F(ImageDialogTest, SaveDialogChoosesAnExistingFileWithoutAsking)
     watch.start();
     TParamList params;
     ASSERT_TRUE(EditWith<TDVCmdImageSave>(host, params, "TFormImageSave", [&](QWidget& d) {
-        OnModal("SaveDialog", [&](QWidget& w) {
-            static_cast<QFileDialog&>(w).selectFile(dir.filePath("alt.bmp"));
-            QMetaObject::invokeMethod(&w, "accept");
-        });
+        ChooseInFileDialog("SaveDialog", dir.filePath("checker.bmp"));
         Click(d, "ButtonSelect");
         Click(d, "BT_OK");
     }));
     EXPECT_EQ(questions, QStringList{});
-    EXPECT_EQ(params.GetString("File"), '"' + dir.filePath("alt.bmp") + '"');
+    EXPECT_EQ(params.GetString("File"), '"' + dir.filePath("checker.bmp") + '"');
+}
+
+TEST_F(ImageDialogTest, EvaluationFrameFollowsTheRectTextAndTheMouse)
+{
+    TParamList params = Evaluation("{64}{32}{128}{96}");
+    params.AddString("Displacement", "4");
+    QStringList pages;
+    QRect frameFromText;
+    double factor = 0;
+    ASSERT_TRUE(EditWith<TDVCmdImageEvaluation>(host, params, "TFormImageEvaluation", [&](QWidget& d) {
+        auto& tabs = Find<QTabWidget>(d, "PageControl1");
+        for (int i = 0; i < tabs.count(); ++i) pages << tabs.tabText(i);
+        tabs.setCurrentIndex(1);
+        auto& view = Find<TSelectionView>(d, "ImageOught");
+        factor = view.Factor();
+        frameFromText = Find<QRubberBand>(d, "ShapeSelection").geometry();
+        // Drawn with the mouse from view (20, 10) to (120, 60).
+        QTest::mousePress(&view, Qt::LeftButton, {}, QPoint(20, 10));
+        QTest::mouseMove(&view, QPoint(70, 30));
+        QTest::mouseRelease(&view, Qt::LeftButton, {}, QPoint(120, 60));
+        Click(d, "DVRadioButton_CompareMax");
+        Click(d, "BT_OK");
+    }));
+    EXPECT_EQ(pages, (QStringList{"Interner Puffer", "Vergleichsbild"}));
+    EXPECT_EQ(factor, 0.75);  // 640 x 480 fitted into the 480 x 360 view
+    EXPECT_EQ(frameFromText, QRect(48, 24, 96, 72));
+    EXPECT_EQ(params.GetString("Rect"), "[27, 13, 133, 67]");  // view pixels / 0.75, rounded
+    EXPECT_EQ(params.GetString("CompareMax"), "True");
+    EXPECT_EQ(params.GetString("Compare"), "False");
+    EXPECT_EQ(params.GetString("Displacement"), "4");
+}
+
+TEST_F(ImageDialogTest, EvaluationClickWithoutDraggingKeepsTheAreaAndItsFrame)
+{
+    TParamList params = Evaluation("[64, 32, 128, 96]");
+    QRect frameAfterClicks;
+    bool frameShown = false;
+    ASSERT_TRUE(EditWith<TDVCmdImageEvaluation>(host, params, "TFormImageEvaluation", [&](QWidget& d) {
+        Find<QTabWidget>(d, "PageControl1").setCurrentIndex(1);
+        auto& view = Find<TSelectionView>(d, "ImageOught");
+        QTest::mouseClick(&view, Qt::LeftButton, {}, QPoint(200, 150));
+        // A hand that shakes by a pixel while clicking has not drawn an area either.
+        QTest::mousePress(&view, Qt::LeftButton, {}, QPoint(30, 40));
+        QTest::mouseMove(&view, QPoint(31, 40));
+        QTest::mouseRelease(&view, Qt::LeftButton, {}, QPoint(31, 41));
+        const auto& frame = Find<QRubberBand>(d, "ShapeSelection");
+        frameAfterClicks = frame.geometry();
+        frameShown = frame.isVisible();
+        Click(d, "BT_OK");
+    }));
+    EXPECT_EQ(params.GetString("Rect"), "[64, 32, 128, 96]");
+    EXPECT_TRUE(frameShown);
+    EXPECT_EQ(frameAfterClicks, QRect(48, 24, 96, 72));  // the area at the view's scale 0.75
 }
 
 }  // namespace

@@ -1,7 +1,8 @@
 // The scope display: decimated curves look like every point drawn, autoscale shows every point,
 // cursors read back what the mapping says, curves stored to a file read back through the FILE:
 // source's reader, and the picture a Scope call leaves has its sine and yellow clip lines where
-// the mapping puts them.
+// the mapping puts them. A window on a display: "[HIDE]" hides it, "[KEEP]" leaves it as it is
+// (also closed by the user), neither shows it again; pictures are taken only of a shown scope.
 #include "analysis/curvestore.h"
 #include "framework/artifacts.h"
 #include "scope/curvefile.h"
@@ -10,15 +11,14 @@
 #include "scope/scopedisplay_form.h"
 #include "scope/scopemodel.h"
 #include "scope/scopeview.h"
+#include "tests/scope/testio.h"
 #include "tests/support/modal.h"
 #include "tests/support/testhost.h"
 
-#include <QFile>
 #include <QLabel>
 #include <QPainter>
 #include <QPushButton>
 #include <QSignalSpy>
-#include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
 
@@ -43,7 +43,17 @@ double DifferingShare(const QImage& a, const QImage& b)
     return static_cast<double>(differing) / (a.width() * a.height());
 }
 
-QImage Blank() { return QImage(kPlotAreaWidth, kPlotAreaHeight, QImage::Format_RGB32); }
+// The plot area, black, with what draw paints in green.
+QImage Drawn(const std::function<void(QPainter&)>& draw)
+{
+    QImage image(kPlotAreaWidth, kPlotAreaHeight, QImage::Format_RGB32);
+    image.fill(Qt::black);
+    QPainter p(&image);
+    p.setPen(Qt::green);
+    draw(p);
+    p.end();
+    return image;
+}
 
 TEST(ScopeDecimation, LooksLikeEveryPointDrawnWithFarFewerStrokes)
 {
@@ -60,25 +70,14 @@ TEST(ScopeDecimation, LooksLikeEveryPointDrawnWithFarFewerStrokes)
     map.zeroY = kPlotAreaHeight / 2.0;
     map.xStep = 1.0 / (kPlotAreaWidth / 50.0);
     map.yStep = 0.5;
-    QImage everyPoint = Blank();
-    everyPoint.fill(Qt::black);
-    {
-        QPainter p(&everyPoint);
-        p.setPen(Qt::green);
+    const QImage everyPoint = Drawn([&](QPainter& p) {
         QPolygonF line;
         for (std::size_t i = 0; i < n; ++i) line << QPointF(map.PixelX(x[i]), map.PixelY(y[i]));
         p.drawPolyline(line);
-    }
+    });
     const std::vector<TColumnSpan> spans = DecimateMinMax(x, y, map, 0, kPlotAreaWidth);
-    QImage decimated = Blank();
-    decimated.fill(Qt::black);
-    {
-        QPainter p(&decimated);
-        p.setPen(Qt::green);
-        DrawDecimated(p, spans);
-    }
     EXPECT_LE(spans.size(), static_cast<std::size_t>(kPlotAreaWidth + 2));
-    EXPECT_LE(DifferingShare(everyPoint, decimated), 0.005);
+    EXPECT_LE(DifferingShare(everyPoint, Drawn([&](QPainter& p) { DrawDecimated(p, spans); })), 0.005);
 }
 
 TEST(ScopeDecimation, PointsOutsideTheColumnsStillJoinTheVisibleOnes)
@@ -159,14 +158,7 @@ protected:
     }
     QString SineFile(int n, double rate, double amplitude, double frequency)
     {
-        TCurvePoints p;
-        for (int i = 0; i < n; ++i) {
-            p.x.push_back(i / rate);
-            p.y.push_back(amplitude * std::sin(2 * kPi * frequency * i / rate));
-        }
-        const QString path = dir.filePath("sine.txt");
-        WriteCurveFile(path, p, ';');
-        return path;
+        return testio::WriteSignal(dir.filePath("sine.txt"), n, rate, [=](double t) { return amplitude * std::sin(2 * kPi * frequency * t); });
     }
     test::TTestHost host;
     QTemporaryDir dir;
@@ -210,14 +202,9 @@ TEST_F(ScopeWindowTest, PictureShowsTheSineOnItsCurveAndYellowClipLines)
 // Nyquist frequency, at distances from the DC column in the ratio of their frequencies.
 TEST_F(ScopeWindowTest, SpectrumShowsLinesUpToHalfTheSampleRate)
 {
-    TCurvePoints p;
-    for (int i = 0; i < 1024; ++i) {
-        const double t = i / 10240.0;
-        p.x.push_back(t);
-        p.y.push_back(std::sin(2 * kPi * 1500 * t) + std::sin(2 * kPi * 4000 * t));
-    }
-    const QString path = dir.filePath("zwei.txt");
-    WriteCurveFile(path, p, ';');
+    const QString path = testio::WriteSignal(dir.filePath("zwei.txt"), 1024, 10240, [](double t) {
+        return std::sin(2 * kPi * 1500 * t) + std::sin(2 * kPi * 4000 * t);
+    });
     Run("[CLR],1:[FILE:" + path + ",SEP:59],[FX:FFT:10240:1],[OUT:]", "");
     const QImage picture = Window().Display().Spectrum().Picture();
     const QColor line = ColorOf(ScopeModel().Colors[0]);
@@ -256,18 +243,6 @@ TEST_F(ScopeWindowTest, PrefixButtonSwitchesTheShownResult)
     Run("[FX:DIFFCUR:1:1:],[OUT:D]", "");
     prefix.click();
     EXPECT_EQ(result.text(), "im Array:");
-}
-
-TEST_F(ScopeWindowTest, HiddenScopeLeavesNoPictureAndNumbersCountOn)
-{
-    const QString sine = SineFile(100, 1000, 1, 10);
-    Run("1:[FILE:" + sine + ",SEP:59],[HIDE]", "");
-    EXPECT_TRUE(Artifacts().isEmpty());
-    Run("1:[FILE:" + sine + ",SEP:59]", "");
-    Run("1:[FILE:" + sine + ",SEP:59],[KEEP]", "");  // kept shown
-    ASSERT_EQ(Artifacts().size(), 2);
-    EXPECT_TRUE(Artifacts()[0].endsWith("scope-001.png"));
-    EXPECT_TRUE(Artifacts()[1].endsWith("scope-002.png"));
 }
 
 TEST_F(ScopeWindowTest, AutoscaleTagShowsTheWholeCurve)
@@ -340,6 +315,53 @@ TEST_F(ScopeWindowTest, WeiterBlinksBetweenItsTwoFontsAndEndsTheWait)
     EXPECT_FALSE(weiter.font().bold());
     EXPECT_FALSE(weiter.isEnabled());
     EXPECT_TRUE(Scope().ContinueEvent.StopRequested());
+}
+
+TEST(ScopeLiveWindow, HideHidesKeepLeavesAsItIsAndPicturesOnlyWhenShown)
+{
+    test::TTestHost host;
+    QTemporaryDir dir;
+    SetArtifactsFolder(dir.path());
+    auto run = [](const QString& command) {
+        Scope().Command = command;
+        Scope().Special.clear();
+        Scope().Start();
+    };
+    {
+        TFormScope live(true);
+        struct Row {
+            const char* command;
+            bool close;  // the user closes the window before the call
+            bool visible;
+            bool picture;
+        };
+        const Row rows[] = {
+            {"[CLR]", false, true, true},   {"[KEEP]", false, true, true},  {"[HIDE]", false, false, false},
+            {"[KEEP]", false, false, false}, {"[CLR]", false, true, true},   {"[KEEP]", true, false, false},
+            {"[HIDE]", false, false, false}, {"", false, true, true},
+        };
+        int pictures = 0;
+        for (const Row& r : rows) {
+            if (r.close) {
+                live.close();
+                ASSERT_FALSE(live.isVisible());
+            }
+            run(r.command);
+            pictures += r.picture;
+            EXPECT_EQ(live.isVisible(), r.visible) << r.command;
+            EXPECT_EQ(ScopeModel().Visible, r.visible) << r.command;
+            EXPECT_EQ(live.LastPicture().isEmpty(), !r.picture) << r.command;
+            EXPECT_EQ(Artifacts().size(), pictures) << r.command;
+        }
+        // Numbered on from the first picture of the folder.
+        EXPECT_EQ(Artifacts(), (QStringList{dir.filePath("scope-001.png"), dir.filePath("scope-002.png"), dir.filePath("scope-003.png"),
+                                            dir.filePath("scope-004.png")}));
+    }
+    // The library's window takes the runs again once the second window is gone.
+    run("[CLR]");
+    ASSERT_NE(ScopeWindow(), nullptr);
+    EXPECT_FALSE(ScopeWindow()->LastPicture().isEmpty());
+    SetArtifactsFolder({});
 }
 
 }  // namespace

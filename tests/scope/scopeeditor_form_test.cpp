@@ -8,15 +8,11 @@
 #include "scope/scopeeditor_form.h"
 #include "scope/scopemodel.h"
 #include "tests/commands/formdriver.h"
-#include "tests/support/modal.h"
+#include "tests/scope/formcheck.h"
 #include "tests/support/testhost.h"
 
-#include <QComboBox>
-#include <QLabel>
-#include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QSpinBox>
 #include <QTabWidget>
 
 #include <gtest/gtest.h>
@@ -26,6 +22,7 @@
 namespace dv::scope {
 namespace {
 
+using formcheck::Shows;
 using test::Click;
 using test::Find;
 using test::OnModal;
@@ -64,12 +61,6 @@ protected:
     TDVCmdScope cmd{&host};
 };
 
-template <class W>
-W& In(QWidget& w, const char* name)
-{
-    return Find<W>(w, name);
-}
-
 TEST_F(ScopeEditor, OpensOnTheLineAndWritesTheChangedField)
 {
     QString command = "Scope([CLR],1:[ARRAY:A,FREQ:10],3:[X:T,Y:U],[FX:RMS:3:OFS:0.5:2],[OUT:R],[TX:s]);";
@@ -77,22 +68,13 @@ TEST_F(ScopeEditor, OpensOnTheLineAndWritesTheChangedField)
     // As a run may leave it: on top of the workbench.
     ScopeWindow()->setWindowFlag(Qt::WindowStaysOnTopHint, true);
     const bool ok = EditLine(command, special, [](QWidget& w) {
-        EXPECT_FALSE(In<QWidget>(w, "Panel_Edit").isHidden());
-        EXPECT_TRUE(In<QWidget>(w, "Panel_Run").isHidden());
-        EXPECT_EQ(In<QTabWidget>(w, "PageControl").currentIndex(), 0);
+        EXPECT_FALSE(Find<QWidget>(w, "Panel_Edit").isHidden());
+        EXPECT_TRUE(Find<QWidget>(w, "Panel_Run").isHidden());
+        EXPECT_EQ(Find<QTabWidget>(w, "PageControl").currentIndex(), 0);
         EXPECT_FALSE(w.windowFlags() & Qt::WindowStaysOnTopHint);
-        EXPECT_TRUE(In<QCheckBox>(w, "CB_EN_Curve1").isChecked());
-        EXPECT_EQ(In<QLineEdit>(w, "Edit_Curve1").text(), "ARRAY:A,FREQ:10");
-        EXPECT_FALSE(In<QCheckBox>(w, "CB_EN_Curve2").isChecked());
-        EXPECT_EQ(In<QLineEdit>(w, "Edit_Curve3").text(), "X:T,Y:U");
-        EXPECT_EQ(In<QComboBox>(w, "FuncSelect").currentText(), "Effektivwert");
-        EXPECT_EQ(In<QSpinBox>(w, "Spin_FxKanal").value(), 3);
-        EXPECT_EQ(In<QLineEdit>(w, "Edit_FxParam1").text(), "0.5");
-        EXPECT_EQ(In<QComboBox>(w, "CB_FxChoice1").currentText(), "Berücksichtigen");
-        EXPECT_EQ(In<QLineEdit>(w, "Edit_Result").text(), "R");
-        EXPECT_EQ(In<QLineEdit>(w, "Edit_UnitX").text(), "s");
-        EXPECT_TRUE(In<QCheckBox>(w, "CB_ClearData").isChecked());
-        EXPECT_TRUE(In<QRadioButton>(w, "RB_ShowScope").isChecked());
+        EXPECT_TRUE(Shows(w, {"CB_EN_Curve1=on", "Edit_Curve1=ARRAY:A,FREQ:10", "CB_EN_Curve2=off", "Edit_Curve3=X:T,Y:U",
+                              "FuncSelect=Effektivwert", "Spin_FxKanal=3", "Edit_FxParam1=0.5", "CB_FxChoice1=Berücksichtigen",
+                              "Edit_Result=R", "Edit_UnitX=s", "CB_ClearData=on", "RB_ShowScope=on"}));
         Type(w, "Edit_Result", "Effektiv");
         Click(w, "CB_AutoScale");
         Click(w, "BT_OK");
@@ -105,8 +87,8 @@ TEST_F(ScopeEditor, OpensOnTheLineAndWritesTheChangedField)
     for (const char* e : {"Edit_FxParam1", "Edit_Result", "Edit_ZoomStart", "Edit_WaitVar", "Edit_UnitY"}) {
         EXPECT_TRUE(offered.contains(e)) << e << " offers no variables";
     }
-    EXPECT_TRUE(In<QWidget>(*ScopeWindow(), "Panel_Edit").isHidden()) << "the run panel is back after editing";
-    EXPECT_FALSE(In<QWidget>(*ScopeWindow(), "Panel_Run").isHidden());
+    EXPECT_TRUE(Find<QWidget>(*ScopeWindow(), "Panel_Edit").isHidden()) << "the run panel is back after editing";
+    EXPECT_FALSE(Find<QWidget>(*ScopeWindow(), "Panel_Run").isHidden());
 }
 
 // Lines as the editor writes them come back unchanged from an editor closed with OK: every field
@@ -171,27 +153,13 @@ TEST_F(ScopeEditor, CancelEscapeAndClosingLeaveBothTexts)
     }
 }
 
-TEST_F(ScopeEditor, FunctionListHoldsTheTwentyFunctionsInOrder)
-{
-    const QStringList expected{"keine Funktion", "Offset (Nulldurchgang)", "Effektivwert", "Mittelwert", "Klirrfaktor",
-                               "dB Sinad", "Zeitdifferenz", "Peak", "Phasenverschiebung", "x/y-Abfrage", "Differenzkurve",
-                               "Kurve begradigen", "Hüllkurve", "Lowpass", "Bandpass", "Highpass", "FFT", "Frequenz",
-                               "Impulszahl", "Tastgrad"};
-    auto& list = In<QComboBox>(Panel(), "FuncSelect");
-    QStringList items;
-    for (int i = 0; i < list.count(); ++i) items << list.itemText(i);
-    EXPECT_EQ(items, expected);
-    auto& channel = In<QSpinBox>(Panel(), "Spin_FxKanal");
-    EXPECT_EQ(channel.minimum(), 1);
-    EXPECT_EQ(channel.maximum(), 4);
-}
-
-// The labels and choices each function shows, as the editor's function table gives them.
-TEST_F(ScopeEditor, SetInputParamsRelabelsThePageForEveryFunction)
+// The twenty functions in their order, and the labels and choices each shows, as the editor's
+// function table gives them.
+TEST_F(ScopeEditor, EveryFunctionRelabelsThePage)
 {
     using TChoice = std::pair<QString, QStringList>;
     struct TRow {
-        int function;
+        QString function;
         QStringList edits;
         std::vector<TChoice> choices;
     };
@@ -201,59 +169,63 @@ TEST_F(ScopeEditor, SetInputParamsRelabelsThePageForEveryFunction)
     const TChoice useEdge{"Benutze Flanke", {"1", "2", "3", "4", "5", "6", "7", "8", "9", "10"}};
     const QStringList lowHigh{"Samplerate [Hz]", "Grenzfrequenz [Hz]", "Filterordnung [1-8]"};
     const TRow rows[] = {
-        {0, {}, {}},
-        {1, {}, {}},
-        {2, {"Offset:"}, {{"Nulldurchgang:", {"Ignorieren", "Berücksichtigen"}}}},
-        {3, {}, {}},
-        {4, {}, {}},
-        {5, {"Abtastrate (Hz)", "Nutzsignal (Hz)", "Bandbreite (Hz)"}, {{"FFT-Fenster", {"Square", "Parzen", "Hanning", "Welch", "Hamming"}}}},
-        {6, {"Y1", "Y2"}, {edgeY1, edgeY2, useEdge}},
-        {7, {"EpsilonX", "EpsilonY"}, {{"Peak", {"Peak Max", "Peak Min", "Peak Min-Max"}}, {"lokale Extrema", {"Ohne", "Mit"}}}},
-        {8, {"Anzahl d.Kurvenzüge"}, {{"Kurve 1", curves}, {"Kurve 2", curves}}},
-        {9, {"Bezugswert:"}, {{"Suche nach:", {"X", "Y"}}}},
-        {10, {"Skalierung:"}, {}},
-        {11, {"Korrekturdatei:"}, {{"Kurve:", curves}}},
-        {12, {"Hüllkurvendatei:"}, {{"Kurve:", curves}}},
-        {13, lowHigh, {}},
-        {14, {"Samplerate [Hz]", "untere Grenzfrequenz [Hz]", "obere Grenzfrequenz [Hz]", "Filterordnung [1-8]"}, {}},
-        {15, lowHigh, {}},
-        {16, {"Samplerate [Hz]"}, {}},
-        {17, {"Y1", "Y2"}, {edgeY1, edgeY2}},
-        {18, {"Y1", "Y2"}, {edgeY1, edgeY2}},
-        {19, {"Y1", "Y2"}, {edgeY1, edgeY2}},
+        {"keine Funktion", {}, {}},
+        {"Offset (Nulldurchgang)", {}, {}},
+        {"Effektivwert", {"Offset:"}, {{"Nulldurchgang:", {"Ignorieren", "Berücksichtigen"}}}},
+        {"Mittelwert", {}, {}},
+        {"Klirrfaktor", {}, {}},
+        {"dB Sinad", {"Abtastrate (Hz)", "Nutzsignal (Hz)", "Bandbreite (Hz)"}, {{"FFT-Fenster", {"Square", "Parzen", "Hanning", "Welch", "Hamming"}}}},
+        {"Zeitdifferenz", {"Y1", "Y2"}, {edgeY1, edgeY2, useEdge}},
+        {"Peak", {"EpsilonX", "EpsilonY"}, {{"Peak", {"Peak Max", "Peak Min", "Peak Min-Max"}}, {"lokale Extrema", {"Ohne", "Mit"}}}},
+        {"Phasenverschiebung", {"Anzahl d.Kurvenzüge"}, {{"Kurve 1", curves}, {"Kurve 2", curves}}},
+        {"x/y-Abfrage", {"Bezugswert:"}, {{"Suche nach:", {"X", "Y"}}}},
+        {"Differenzkurve", {"Skalierung:"}, {}},
+        {"Kurve begradigen", {"Korrekturdatei:"}, {{"Kurve:", curves}}},
+        {"Hüllkurve", {"Hüllkurvendatei:"}, {{"Kurve:", curves}}},
+        {"Lowpass", lowHigh, {}},
+        {"Bandpass", {"Samplerate [Hz]", "untere Grenzfrequenz [Hz]", "obere Grenzfrequenz [Hz]", "Filterordnung [1-8]"}, {}},
+        {"Highpass", lowHigh, {}},
+        {"FFT", {"Samplerate [Hz]"}, {}},
+        {"Frequenz", {"Y1", "Y2"}, {edgeY1, edgeY2}},
+        {"Impulszahl", {"Y1", "Y2"}, {edgeY1, edgeY2}},
+        {"Tastgrad", {"Y1", "Y2"}, {edgeY1, edgeY2}},
     };
     QWidget& page = Panel();
     auto shown = [&page](const char* prefix, int n) {
         QStringList labels;
         for (int i = 1; i <= n; ++i) {
-            auto& label = In<QLabel>(page, (prefix + std::to_string(i)).c_str());
+            auto& label = Find<QLabel>(page, (prefix + std::to_string(i)).c_str());
             if (!label.isHidden()) labels << label.text();
         }
         return labels;
     };
+    auto& list = Find<QComboBox>(page, "FuncSelect");
+    ASSERT_EQ(list.count(), 20);
     // From a function with every field in use, so that leftovers would show.
-    In<QComboBox>(page, "FuncSelect").setCurrentIndex(14);
-    for (const TRow& r : rows) {
-        In<QComboBox>(page, "FuncSelect").setCurrentIndex(r.function);
-        EXPECT_EQ(shown("LB_FxParam", 4), r.edits) << r.function;
+    list.setCurrentIndex(14);
+    for (int f = 0; f < 20; ++f) {
+        const TRow& r = rows[f];
+        list.setCurrentIndex(f);
+        EXPECT_EQ(list.currentText(), r.function);
+        EXPECT_EQ(shown("LB_FxParam", 4), r.edits) << f;
         QStringList choiceLabels;
         for (const TChoice& c : r.choices) choiceLabels << c.first;
-        EXPECT_EQ(shown("LB_FxChoice", 3), choiceLabels) << r.function;
+        EXPECT_EQ(shown("LB_FxChoice", 3), choiceLabels) << f;
         for (std::size_t i = 0; i < 4; ++i) {
-            auto& edit = In<QLineEdit>(page, ("Edit_FxParam" + std::to_string(i + 1)).c_str());
-            EXPECT_EQ(edit.isHidden(), i >= static_cast<std::size_t>(r.edits.size())) << r.function;
+            auto& edit = Find<QLineEdit>(page, ("Edit_FxParam" + std::to_string(i + 1)).c_str());
+            EXPECT_EQ(edit.isHidden(), i >= static_cast<std::size_t>(r.edits.size())) << f;
         }
         for (std::size_t i = 0; i < r.choices.size(); ++i) {
-            auto& box = In<QComboBox>(page, ("CB_FxChoice" + std::to_string(i + 1)).c_str());
-            QStringList items;
-            for (int k = 0; k < box.count(); ++k) items << box.itemText(k);
-            EXPECT_EQ(items, r.choices[i].second) << r.function << " " << r.choices[i].first.toStdString();
+            auto& box = Find<QComboBox>(page, ("CB_FxChoice" + std::to_string(i + 1)).c_str());
+            EXPECT_EQ(formcheck::Items(box), r.choices[i].second) << f << " " << r.choices[i].first.toStdString();
             EXPECT_FALSE(box.isHidden());
         }
     }
     // A filter opens on order 1.
-    In<QComboBox>(page, "FuncSelect").setCurrentIndex(13);
-    EXPECT_EQ(In<QLineEdit>(page, "Edit_FxParam3").text(), "1");
+    list.setCurrentIndex(13);
+    EXPECT_EQ(Find<QLineEdit>(page, "Edit_FxParam3").text(), "1");
+    auto& channel = Find<QSpinBox>(page, "Spin_FxKanal");
+    EXPECT_EQ(std::pair(channel.minimum(), channel.maximum()), std::pair(1, 4));
 }
 
 // What the choices write: the item index, or the index + 1 where the function counts from 1.
@@ -264,7 +236,7 @@ TEST_F(ScopeEditor, ChoicesWriteTheirNumbers)
         std::function<void(QWidget&)> act;
         const char* tag;
     };
-    auto choose = [](QWidget& w, const char* box, int index) { In<QComboBox>(w, box).setCurrentIndex(index); };
+    auto choose = [](QWidget& w, const char* box, int index) { Find<QComboBox>(w, box).setCurrentIndex(index); };
     const TRow rows[] = {
         {2, [&](QWidget& w) { choose(w, "CB_FxChoice1", 1); }, "[FX:RMS:1:OFS::2]"},
         {5, [&](QWidget& w) { choose(w, "CB_FxChoice1", 4); }, "[FX:SINAD:1::::4]"},
@@ -275,14 +247,14 @@ TEST_F(ScopeEditor, ChoicesWriteTheirNumbers)
         {9, [&](QWidget& w) { choose(w, "CB_FxChoice1", 1); }, "[FX:QUERY:1:2:]"},
         // "Kurve:" and the channel spin are one setting.
         {12, [&](QWidget& w) { choose(w, "CB_FxChoice1", 2); }, "[FX:ENVELOPE:3],[FILE:]"},
-        {11, [&](QWidget& w) { In<QSpinBox>(w, "Spin_FxKanal").setValue(4); }, "[FX:CURVEPATCH:4:]"},
+        {11, [&](QWidget& w) { Find<QSpinBox>(w, "Spin_FxKanal").setValue(4); }, "[FX:CURVEPATCH:4:]"},
         {17, [&](QWidget& w) { choose(w, "CB_FxChoice1", 2); }, "[FX:FREQ:1:::2:0]"},
     };
     for (const TRow& r : rows) {
         QString command = "Scope([FX:OFFSET:1],[OUT:]);";
         QString special;
         EditLine(command, special, [&r](QWidget& w) {
-            In<QComboBox>(w, "FuncSelect").setCurrentIndex(r.function);
+            Find<QComboBox>(w, "FuncSelect").setCurrentIndex(r.function);
             r.act(w);
             Click(w, "BT_OK");
         });
@@ -314,43 +286,40 @@ TEST_F(ScopeEditor, WaitBoxIsEnabledOnlyWhileTheScopeIsNotHidden)
     };
     for (const TRow& r : rows) {
         Fill(r.command);
-        EXPECT_TRUE(In<QRadioButton>(p, r.checked).isChecked()) << r.command;
-        EXPECT_EQ(In<QCheckBox>(p, "CB_Wait").isEnabled(), r.waitEnabled) << r.command;
-        EXPECT_EQ(In<QLineEdit>(p, "Edit_WaitVar").isEnabled(), r.waitEnabled) << r.command;
+        EXPECT_TRUE(Find<QRadioButton>(p, r.checked).isChecked()) << r.command;
+        EXPECT_EQ(Find<QCheckBox>(p, "CB_Wait").isEnabled(), r.waitEnabled) << r.command;
+        EXPECT_EQ(Find<QLineEdit>(p, "Edit_WaitVar").isEnabled(), r.waitEnabled) << r.command;
     }
     Fill("[HIDE],[WAIT:W]");
-    EXPECT_TRUE(In<QCheckBox>(p, "CB_Wait").isChecked());
-    EXPECT_EQ(In<QLineEdit>(p, "Edit_WaitVar").text(), "W");
-    In<QRadioButton>(p, "RB_ShowScope").click();
-    EXPECT_TRUE(In<QCheckBox>(p, "CB_Wait").isEnabled());
-    In<QRadioButton>(p, "RB_HideScope").click();
-    EXPECT_FALSE(In<QCheckBox>(p, "CB_Wait").isEnabled());
+    EXPECT_TRUE(Shows(p, {"CB_Wait=on", "Edit_WaitVar=W"}));
+    Find<QRadioButton>(p, "RB_ShowScope").click();
+    EXPECT_TRUE(Find<QCheckBox>(p, "CB_Wait").isEnabled());
+    Find<QRadioButton>(p, "RB_HideScope").click();
+    EXPECT_FALSE(Find<QCheckBox>(p, "CB_Wait").isEnabled());
 }
 
 TEST_F(ScopeEditor, SourceButtonWritesTheDialogsTextBackAndEnablesTheSlot)
 {
     QWidget& p = Panel();
     Fill("[CLR]");
-    ASSERT_FALSE(In<QCheckBox>(p, "CB_EN_Curve2").isChecked());
+    ASSERT_FALSE(Find<QCheckBox>(p, "CB_EN_Curve2").isChecked());
     test::WhenModal([](QDialog& d) {
         EXPECT_EQ(d.objectName(), "TScopeSource");
-        In<QRadioButton>(d, "RB_Array").click();
-        In<QLineEdit>(d, "Edit_Array").setText("U");
-        In<QLineEdit>(d, "Edit_Array_Y").setText("5");
-        In<QPushButton>(d, "BT_OK").click();
+        Find<QRadioButton>(d, "RB_Array").click();
+        Find<QLineEdit>(d, "Edit_Array").setText("U");
+        Find<QLineEdit>(d, "Edit_Array_Y").setText("5");
+        Find<QPushButton>(d, "BT_OK").click();
     });
-    In<QPushButton>(p, "BT_Source2").click();
-    EXPECT_EQ(In<QLineEdit>(p, "Edit_Curve2").text(), "ARRAY:U,FREQ:5");
-    EXPECT_TRUE(In<QCheckBox>(p, "CB_EN_Curve2").isChecked());
-    EXPECT_FALSE(In<QCheckBox>(p, "CB_EN_Curve1").isChecked()) << "only the button's own slot";
+    Find<QPushButton>(p, "BT_Source2").click();
+    // Only the button's own slot is enabled.
+    EXPECT_TRUE(Shows(p, {"Edit_Curve2=ARRAY:U,FREQ:5", "CB_EN_Curve2=on", "CB_EN_Curve1=off"}));
 
     // "Abbrechen" also writes back: the source as the dialog read it, in upper case and without
     // its modifiers.
-    In<QLineEdit>(p, "Edit_Curve4").setText("array:a,FREQ:1000,NAME:u1");
-    test::WhenModal([](QDialog& d) { In<QPushButton>(d, "BT_Cancel").click(); });
-    In<QPushButton>(p, "BT_Source4").click();
-    EXPECT_EQ(In<QLineEdit>(p, "Edit_Curve4").text(), "ARRAY:A,FREQ:1000");
-    EXPECT_TRUE(In<QCheckBox>(p, "CB_EN_Curve4").isChecked());
+    Find<QLineEdit>(p, "Edit_Curve4").setText("array:a,FREQ:1000,NAME:u1");
+    test::WhenModal([](QDialog& d) { Find<QPushButton>(d, "BT_Cancel").click(); });
+    Find<QPushButton>(p, "BT_Source4").click();
+    EXPECT_TRUE(Shows(p, {"Edit_Curve4=ARRAY:A,FREQ:1000", "CB_EN_Curve4=on"}));
 }
 
 TEST_F(ScopeEditor, ColourAndScalingBoxesTakeWhatTheScopeShows)
@@ -359,10 +328,10 @@ TEST_F(ScopeEditor, ColourAndScalingBoxesTakeWhatTheScopeShows)
     QString special;
     EditLine(command, special, [](QWidget& w) {
         // The division selectors of the window itself.
-        In<QComboBox>(w, "CB_XDiv").setCurrentIndex(20);
-        In<QComboBox>(w, "CB_YDiv").setCurrentIndex(4);
-        In<QTabWidget>(w, "PageControl").setCurrentIndex(3);
-        EXPECT_EQ(In<QLabel>(w, "LB_ScaleValues").text(), "X: 5 ms/Div, Y: 20 mV/Div, Nullpunkt: 0 / 270");
+        Find<QComboBox>(w, "CB_XDiv").setCurrentIndex(20);
+        Find<QComboBox>(w, "CB_YDiv").setCurrentIndex(4);
+        Find<QTabWidget>(w, "PageControl").setCurrentIndex(3);
+        EXPECT_EQ(Find<QLabel>(w, "LB_ScaleValues").text(), "X: 5 ms/Div, Y: 20 mV/Div, Nullpunkt: 0 / 270");
         Click(w, "CB_SetScale");
         Click(w, "CB_SetColor");
         Click(w, "BT_OK");
@@ -377,10 +346,8 @@ TEST_F(ScopeEditor, FaultyLineOpensWithWhatWasReadBeforeTheFault)
 {
     Fill("[KEEP],1:[ARRAY:A,FREQ:1],[FX:PEAK:x:1:1::],[OUT:P]");
     EXPECT_EQ(host.stopCalls, 1);
-    EXPECT_TRUE(In<QRadioButton>(Panel(), "RB_KeepScope").isChecked());
-    EXPECT_EQ(In<QLineEdit>(Panel(), "Edit_Curve1").text(), "ARRAY:A,FREQ:1");
-    EXPECT_EQ(In<QComboBox>(Panel(), "FuncSelect").currentIndex(), 7);
-    EXPECT_EQ(In<QLineEdit>(Panel(), "Edit_Result").text(), "") << "the result variable comes after the fault";
+    // The result variable comes after the fault.
+    EXPECT_TRUE(Shows(Panel(), {"RB_KeepScope=on", "Edit_Curve1=ARRAY:A,FREQ:1", "FuncSelect=Peak", "Edit_Result="}));
 }
 
 }  // namespace

@@ -1,19 +1,18 @@
 // The envelope tools of the scope window through their buttons and dialogs: the panel switch and
 // mode, points typed and clicked, the nearest point deleted by a click, erase with its question,
-// save and load with their fault dialogs.
+// save and load with their fault dialogs, also of a run's envelope comparison.
 #include "analysis/curvestore.h"
 #include "scope/envelopefile.h"
+#include "scope/gui_scope.h"
 #include "scope/gui_scope_form.h"
 #include "scope/scopedisplay_form.h"
 #include "scope/scopeenvelope_form.h"
 #include "scope/scopemodel.h"
-#include "tests/support/modal.h"
+#include "tests/scope/formcheck.h"
 #include "tests/support/testhost.h"
 
 #include <QDir>
-#include <QFile>
 #include <QInputDialog>
-#include <QMessageBox>
 #include <QPushButton>
 #include <QTemporaryDir>
 #include <QTest>
@@ -65,23 +64,13 @@ protected:
             input.accept();
         });
     }
-    // Presses the button of the next message box and keeps its text.
-    void Press(QMessageBox::StandardButton button)
-    {
-        WhenModal([this, button](QDialog& d) {
-            auto& box = dynamic_cast<QMessageBox&>(d);
-            boxText = box.text();
-            boxButtons = box.standardButtons();
-            box.button(button)->click();
-        });
-    }
+    void Press(QMessageBox::StandardButton button) { formcheck::Press(button, box); }
     static inline QStringList asked;
     std::vector<double> Xs(int handle) const { return {Store().X(handle).begin(), Store().X(handle).end()}; }
 
     test::TTestHost host;
     QTemporaryDir dir;
-    QString boxText;
-    QMessageBox::StandardButtons boxButtons;
+    formcheck::TBoxSeen box;
 };
 
 TEST_F(EnvelopeTools, PanelSwitchStopsMeasuringAndModePicksTheEnvelope)
@@ -143,7 +132,7 @@ TEST_F(EnvelopeTools, EraseAsksFirst)
     Store().Append(kLowerEnvelope, 1, -1);
     Press(QMessageBox::No);
     Button("SB_Erase_HK").click();
-    EXPECT_EQ(boxText, "Hüllkurven löschen ?");
+    EXPECT_EQ(box.text, "Hüllkurven löschen ?");
     EXPECT_EQ(Store().CurveValuesCount(kUpperEnvelope), 1);
     Press(QMessageBox::Yes);
     Button("SB_Erase_HK").click();
@@ -171,41 +160,56 @@ TEST_F(EnvelopeTools, SavedEnvelopeLoadsBackAndCancelledDialogsDoNothing)
     EXPECT_EQ(host.stopCalls, 0);
 }
 
-TEST_F(EnvelopeTools, SaveFaultCancelStopsTheTestIgnoreGoesOn)
-{
-    const QString path = dir.filePath("fehlt/grenzen.HKV");  // a folder that does not exist
-    Panel().ChooseFile = [&](bool) { return path; };
-    Press(QMessageBox::Ignore);
-    Button("SP_HK_Save").click();
-    EXPECT_TRUE(boxText.startsWith("Scope-Plugin: Fehler beim speichern der Hüllkurvendatei" + path + " !\n")) << boxText.toStdString();
-    EXPECT_EQ(boxButtons, QMessageBox::Cancel | QMessageBox::Ignore);
-    EXPECT_EQ(host.stopCalls, 0);
-    Press(QMessageBox::Cancel);
-    Button("SP_HK_Save").click();
-    EXPECT_EQ(host.stopCalls, 1);
-}
-
-TEST_F(EnvelopeTools, MissingFileOffersOnlyCancelStopsTheTestAndKeepsTheEnvelopes)
+// Saving into a missing folder and loading an unreadable file ask Cancel or Ignore, a missing
+// file offers only Cancel; Cancel stops the test, and a failed load keeps the envelopes.
+TEST_F(EnvelopeTools, FileFaultsAskAndCancelStopsTheTest)
 {
     Store().Append(kUpperEnvelope, 1, 1);
-    const QString path = dir.filePath("weg.HKV");
-    Press(QMessageBox::Cancel);
-    Panel().LoadWithDialogs(path);
-    EXPECT_EQ(boxButtons, QMessageBox::Cancel);
-    EXPECT_EQ(boxText, "Scope-Plugin: Fehler beim Laden der Hüllkurvendatei !\n" + path + " existiert im agegebenen Pfad nicht !");
-    EXPECT_EQ(host.stopCalls, 1);
-    EXPECT_EQ(Store().CurveValuesCount(kUpperEnvelope), 1);
+    const QString noFolder = dir.filePath("fehlt/grenzen.HKV"), missing = dir.filePath("weg.HKV"), folder = dir.filePath("ordner.HKV");
+    ASSERT_TRUE(QDir().mkpath(folder));  // exists, but cannot be read as a file
+    Panel().ChooseFile = [&](bool) { return noFolder; };
+    const auto save = [] { Button("SP_HK_Save").click(); };
+    const QMessageBox::StandardButtons either = QMessageBox::Cancel | QMessageBox::Ignore;
+    struct TRow {
+        std::function<void()> act;
+        QMessageBox::StandardButton press;
+        QString text;  // ending in a line break: how the text begins
+        QMessageBox::StandardButtons offered;
+        int stopCalls;
+    };
+    const TRow rows[] = {
+        {save, QMessageBox::Ignore, "Scope-Plugin: Fehler beim speichern der Hüllkurvendatei" + noFolder + " !\n", either, 0},
+        {save, QMessageBox::Cancel, "Scope-Plugin: Fehler beim speichern der Hüllkurvendatei" + noFolder + " !\n", either, 1},
+        {[&] { Panel().LoadWithDialogs(missing); }, QMessageBox::Cancel,
+         "Scope-Plugin: Fehler beim Laden der Hüllkurvendatei !\n" + missing + " existiert im agegebenen Pfad nicht !", QMessageBox::Cancel, 2},
+        {[&] { Panel().LoadWithDialogs(folder); }, QMessageBox::Ignore, "Scope-Plugin: Fehler beim Laden der Hüllkurvendatei" + folder + " !\n",
+         either, 2},
+    };
+    for (const TRow& r : rows) {
+        box = {};
+        Press(r.press);
+        r.act();
+        EXPECT_TRUE(r.text.endsWith('\n') ? box.text.startsWith(r.text) : box.text == r.text) << box.text.toStdString();
+        EXPECT_EQ(box.buttons, r.offered) << r.text.toStdString();
+        EXPECT_EQ(host.stopCalls, r.stopCalls) << r.text.toStdString();
+        EXPECT_EQ(Store().CurveValuesCount(kUpperEnvelope), 1);
+    }
 }
 
-TEST_F(EnvelopeTools, UnreadableFileAsksCancelOrIgnore)
+// The envelope comparison of a run with a missing file: an error box with Cancel only, then the
+// test stops.
+TEST(ScopeLiveWindow, AMissingEnvelopeFileOffersOnlyCancel)
 {
-    const QString path = dir.filePath("ordner.HKV");
-    ASSERT_TRUE(QDir().mkpath(path));  // exists, but cannot be read as a file
-    Press(QMessageBox::Ignore);
-    Panel().LoadWithDialogs(path);
-    EXPECT_TRUE(boxText.startsWith("Scope-Plugin: Fehler beim Laden der Hüllkurvendatei" + path + " !\n")) << boxText.toStdString();
-    EXPECT_EQ(boxButtons, QMessageBox::Cancel | QMessageBox::Ignore);
-    EXPECT_EQ(host.stopCalls, 0);
+    test::TTestHost host;
+    TFormScope live(true);
+    formcheck::TBoxSeen box;
+    formcheck::Press(QMessageBox::Cancel, box);
+    Scope().Command = "[CLR],[HIDE],[FX:ENVELOPE:1],[FILE:/gibt/es/nicht.HKV]";
+    Scope().Special.clear();
+    Scope().Start();
+    EXPECT_EQ(box.buttons, QMessageBox::Cancel);
+    EXPECT_EQ(box.text, "Scope-Plugin: Fehler beim Laden der Hüllkurvendatei !\n/gibt/es/nicht.HKV existiert im agegebenen Pfad nicht !");
+    EXPECT_EQ(host.stopCalls, 1);
 }
 
 }  // namespace

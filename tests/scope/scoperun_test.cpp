@@ -2,17 +2,12 @@
 // (headless: the log and StopTest), and each function shows its label, channel and unit.
 #include "analysis/curvestore.h"
 #include "framework/headless.h"
-#include "framework/systemlog.h"
 #include "scope/envelopefile.h"
 #include "scope/gui_scope.h"
 #include "scope/scopemodel.h"
 #include "tests/host/scriptrun.h"
+#include "tests/scope/testio.h"
 #include "tests/support/testhost.h"
-
-#include <QFile>
-#include <QTemporaryDir>
-
-#include <gtest/gtest.h>
 
 #include <sys/stat.h>
 
@@ -24,14 +19,7 @@ namespace {
 using host::test::RunScriptText;
 using host::test::TScriptOutcome;
 
-class ScopeCall : public testing::Test {
-protected:
-    void SetUp() override { SystemLog.SetSink([this](const QString&, const QString& text) { warnings << text; }); }
-    void TearDown() override { SystemLog.SetSink({}); }
-    QString Logged() const { return warnings.join('\n'); }
-    QStringList warnings;
-    QTemporaryDir dir;
-};
+using ScopeCall = testio::TLoggedTest;
 
 // A host whose variable access fails as no script error does.
 class TFailingHost final : public test::TTestHost {
@@ -77,7 +65,7 @@ TEST_F(ScopeCall, ChannelsOutsideTheFourCurvesAreRefused)
         const char* channel;
     };
     const Row rows[] = {
-        {"MID:0", "0"},          {"MID:5", "5"},          {"MID:7", "7"},
+        {"MID:0", "0"},          {"MID:5", "5"},          {"MID:7", "7"},          {"MID:9", "9"},
         {"PEAK:300:1:1::", "300"},  // would be curve 44 once cut to a byte
         {"PEAK:-255:1:1::", "-255"}, {"PHASESHIFT:1:6:1", "6"}, {"PHASESHIFT:261:2:1", "261"},
         {"LOWPASS:1000:100:2:5", "5"}, {"ENVELOPE:6],[FILE:x.HKV", "6"},
@@ -144,7 +132,9 @@ TEST_F(ScopeCall, PeakToleranceDefaults)
 // was answered; unreadable, Cancel ends the test and Ignore goes on with the verdict 0.
 TEST_F(ScopeCall, EnvelopeFileFaultsInARun)
 {
-    const QString missing = dir.filePath("fehlt.HKV");
+    const QString missing = dir.filePath("fehlt.HKV"), folder = dir.path();
+    const QString gone = "Scope-Plugin: Fehler beim Laden der Hüllkurvendatei !\n" + missing + " existiert im agegebenen Pfad nicht ! (Abbrechen)";
+    const QString unreadable = "Scope-Plugin: Fehler beim Laden der Hüllkurvendatei" + folder + " !\nDie Datei " + folder + " kann nicht gelesen werden (";
     struct Row {
         QString file;
         QStringList answers;
@@ -152,13 +142,10 @@ TEST_F(ScopeCall, EnvelopeFileFaultsInARun)
         QString log;
     };
     const Row rows[] = {
-        {missing, {}, 1, "Scope-Plugin: Fehler beim Laden der Hüllkurvendatei !\n" + missing + " existiert im agegebenen Pfad nicht ! (Abbrechen)"},
-        {missing, {"Scope=Ignorieren"}, 1,
-         "Scope-Plugin: Fehler beim Laden der Hüllkurvendatei !\n" + missing + " existiert im agegebenen Pfad nicht ! (Abbrechen)"},
-        {dir.path(), {}, 1, "Scope-Plugin: Fehler beim Laden der Hüllkurvendatei" + dir.path() + " !\nDie Datei " + dir.path() +
-                                 " kann nicht gelesen werden (Abbrechen)"},
-        {dir.path(), {"Scope=Ignorieren"}, 0, "Scope-Plugin: Fehler beim Laden der Hüllkurvendatei" + dir.path() + " !\nDie Datei " +
-                                                   dir.path() + " kann nicht gelesen werden (Ignorieren)"},
+        {missing, {}, 1, gone},
+        {missing, {"Scope=Ignorieren"}, 1, gone},
+        {folder, {}, 1, unreadable + "Abbrechen)"},
+        {folder, {"Scope=Ignorieren"}, 0, unreadable + "Ignorieren)"},
     };
     for (const Row& r : rows) {
         warnings.clear();

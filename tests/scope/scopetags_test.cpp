@@ -1,6 +1,13 @@
 // The tag language: the two text routines, decoding of every tag and function row, the writer,
-// and faults that stop decoding where they happen.
+// faults that stop decoding where they happen, the result text, and a call's arguments as the
+// editor works on them.
 #include "scope/scopetags.h"
+
+#include "framework/exceptions.h"
+#include "scope/gui_scope.h"
+#include "scope/scopeedit.h"
+#include "scope/scopeformat.h"
+#include "tests/support/testhost.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -226,6 +233,81 @@ TEST(ScopeTags, MalformedTextsNeverCrash)
         const TScopeScript written = WriteScript(s);
         EXPECT_TRUE(written.Command.startsWith("Scope(") && written.Command.endsWith(");")) << t.toStdString();
     }
+}
+
+// SI prefixes and the two number formats, against hand-worked values.
+TEST(ScopeFormat, ResultTextsInPrefixAndGeneralFormat)
+{
+    struct Row {
+        double value;
+        QString unit;
+        bool prefix;
+        QString expected;
+    };
+    const Row rows[] = {
+        {0.0123, "V", true, "12.300 mV"},
+        {1234567, "Hz", true, "1.235 MHz"},
+        {-0.0000025, "s", true, "-2.500 µs"},
+        {999.9996, "V", true, "1000.000 V"},  // the prefix is chosen before rounding
+        {1, "%", true, "1.000 %"},
+        {0, "V", true, "0 V"},  // zero is never scaled
+        {0.0123, "V", false, "0.0123 V"},
+        {1.41421356, "V", false, "1.41421 V"},
+        {123456.7, "dB", false, "123457 dB"},
+        {1234567, "Hz", false, "1.23457E+06 Hz"},
+        {0.000012345, "s", false, "0.000012345 s"},  // fixed down to 1e-5
+        {0.0000012345, "s", false, "1.2345E-06 s"},
+        {-2.5, "", false, "-2.5 "},
+    };
+    for (const Row& r : rows) EXPECT_EQ(ResultText(r.value, r.unit, r.prefix), r.expected) << r.value;
+}
+
+TEST(ScopeEditArguments, LiteralsAreEditedAsTheirTextExpressionsAsWritten)
+{
+    struct TRow {
+        const char* argument;
+        const char* text;
+    };
+    const TRow rows[] = {
+        {R"("[CLR],[OUT:R]")", "[CLR],[OUT:R]"},
+        {R"(  "1:[FILE:""a b.txt"",SEP:59]" )", R"(1:[FILE:"a b.txt",SEP:59])"},
+        {R"("")", ""},
+        // An expression: the text between its outer quotes, quotes inside left as written.
+        {R"("[CLR],1:[" + Quelle + "],[OUT:M]")", R"([CLR],1:[" + Quelle + "],[OUT:M])"},
+        // No quotes around it (a variable): the text itself.
+        {"Befehl", "Befehl"},
+        {"", ""},
+    };
+    for (const TRow& r : rows) {
+        const QString argument = QString::fromUtf8(r.argument), text = QString::fromUtf8(r.text);
+        EXPECT_EQ(ArgumentText(argument), text) << r.argument;
+        // Unchanged text gives the argument back.
+        if (argument.trimmed().startsWith('"')) {
+            EXPECT_EQ(ArgumentOf(text, argument), argument.trimmed()) << r.argument;
+        }
+    }
+    // What the editor wrote for a variable or a new call is a literal.
+    EXPECT_EQ(ArgumentOf(R"(1:[FILE:"x",SEP:59])", "Befehl"), R"("1:[FILE:""x"",SEP:59]")");
+    EXPECT_EQ(ArgumentOf("", ""), R"("")");
+}
+
+TEST(ScopeEditArguments, CommandLosesOnlyTheWritersFrame)
+{
+    EXPECT_EQ(CommandTags("Scope([CLR],[OUT:R]);"), "[CLR],[OUT:R]");
+    EXPECT_EQ(CommandTags("Scope([FX:FFT:100:1][OUT:S]);"), "[FX:FFT:100:1][OUT:S]");
+    EXPECT_EQ(CommandTags("[CLR],[OUT:R]"), "[CLR],[OUT:R]");
+}
+
+TEST(ScopeEditArguments, WithoutAGuiEditingFailsClearlyAndLeavesTheList)
+{
+    test::TTestHost host;
+    TDVCmdScope cmd(&host);
+    TParamList params;
+    params.AddString("Command", "\"[CLR],[OUT:R]\"");
+    params.AddString("Special", "\"\"");
+    EXPECT_THAT([&] { cmd.Edit(params); }, testing::ThrowsMessage<TDravikException>(testing::HasSubstr("TFormScope")));
+    EXPECT_EQ(params.GetString("Command"), "\"[CLR],[OUT:R]\"");
+    EXPECT_EQ(params.GetString("Special"), "\"\"");
 }
 
 }  // namespace

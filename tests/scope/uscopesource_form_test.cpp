@@ -2,11 +2,9 @@
 // OK, the text a cancelled dialog hands back, enabling by kind, help context and variable pickers.
 #include "framework/forms/dvform.h"
 #include "scope/uscopesource_form.h"
-#include "tests/support/modal.h"
+#include "tests/scope/formcheck.h"
 #include "tests/support/testhost.h"
 
-#include <QComboBox>
-#include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
 
@@ -39,49 +37,40 @@ protected:
     test::TTestHost host;
 };
 
-TEST_F(ScopeSource, EmptySourceOpensOnArrayAndStaysEmpty)
+// The fields a source opens on, and what OK or Abbrechen then hands back: Abbrechen the source
+// upper-cased and without its modifiers.
+TEST_F(ScopeSource, OpensOnTheSourcesFieldsAndHandsBackItsText)
 {
-    const QString out = OpenSource("", [](QDialog& d) {
-        EXPECT_TRUE(Child<QRadioButton>(d, "RB_Array").isChecked());
-        for (const char* e : {"Edit_File", "Edit_Array", "Edit_Array_Y", "Edit_X", "Edit_y", "Edit_Name", "Edit_OffsetX"}) {
-            EXPECT_TRUE(Edit(d, e).text().isEmpty()) << e;
+    struct TRow {
+        const char* in;
+        QStringList shown;
+        const char* button;
+        const char* out;  // nullptr: not compared
+    };
+    const TRow rows[] = {
+        {"",
+         {"RB_Array=on", "Edit_File=", "Edit_Array=", "Edit_Array_Y=", "Edit_X=", "Edit_y=", "Edit_Name=", "Edit_OffsetX=", "Edit_Separator=|"},
+         "BT_OK", ""},
+        // The separator is written as its code and read back as its character.
+        {"file:werte.csv,sep:9", {"RB_File=on", "Edit_File=WERTE.CSV", "Edit_Separator=\t"}, "BT_OK", nullptr},
+        {"ARRAY:a,FREQ:1000,OFX:1:OFY:2,FAKX:3:FAKY:4,NAME:u1",
+         {"RB_Array=on", "Edit_Array=A", "Edit_Array_Y=1000", "Edit_Name=U1", "Edit_OffsetX=1", "Edit_OffsetY=2", "Edit_Mx=3", "Edit_My=4"},
+         "BT_Cancel", "ARRAY:A,FREQ:1000"},
+        {"IMAGE-R-L:7,FREQ:100",
+         {"RB_Image=on", "CB_Channel=Rot-Kanal", "CB_RowCol=Zeile:", "Edit_Image_N=7", "Edit_Image_Freq=100"}, "BT_OK", nullptr},
+    };
+    for (const TRow& r : rows) {
+        const QString out = OpenSource(r.in, [&r](QDialog& d) { EXPECT_TRUE(formcheck::Shows(d, r.shown)) << r.in; }, r.button);
+        if (r.out) {
+            EXPECT_EQ(out, r.out) << r.in;
         }
-        EXPECT_EQ(Edit(d, "Edit_Separator").text(), "|");
-    });
-    EXPECT_EQ(out, "");
-}
-
-TEST_F(ScopeSource, FileSeparatorIsWrittenAsItsCodeAndReadBackAsItsCharacter)
-{
-    const QString out = OpenSource("", [](QDialog& d) {
-        Child<QRadioButton>(d, "RB_File").click();
-        Edit(d, "Edit_File").setText("messung.txt");
-        Edit(d, "Edit_Separator").setText(";");
-    });
-    EXPECT_EQ(out, "FILE:messung.txt,SEP:59");
-    OpenSource("file:werte.csv,sep:9", [](QDialog& d) {
-        EXPECT_TRUE(Child<QRadioButton>(d, "RB_File").isChecked());
-        EXPECT_EQ(Edit(d, "Edit_File").text(), "WERTE.CSV");
-        EXPECT_EQ(Edit(d, "Edit_Separator").text(), "\t");
-    });
-}
-
-TEST_F(ScopeSource, CancelHandsBackTheUpperCasedSourceWithoutItsModifiers)
-{
-    const QString out = OpenSource(
-        "ARRAY:a,FREQ:1000,OFX:1:OFY:2,FAKX:3:FAKY:4,NAME:u1",
-        [](QDialog& d) {
-            EXPECT_TRUE(Child<QRadioButton>(d, "RB_Array").isChecked());
-            EXPECT_EQ(Edit(d, "Edit_Array").text(), "A");
-            EXPECT_EQ(Edit(d, "Edit_Array_Y").text(), "1000");
-            EXPECT_EQ(Edit(d, "Edit_Name").text(), "U1");
-            EXPECT_EQ(Edit(d, "Edit_OffsetX").text(), "1");
-            EXPECT_EQ(Edit(d, "Edit_OffsetY").text(), "2");
-            EXPECT_EQ(Edit(d, "Edit_Mx").text(), "3");
-            EXPECT_EQ(Edit(d, "Edit_My").text(), "4");
-        },
-        "BT_Cancel");
-    EXPECT_EQ(out, "ARRAY:A,FREQ:1000");
+    }
+    EXPECT_EQ(OpenSource("", [](QDialog& d) {
+                  Child<QRadioButton>(d, "RB_File").click();
+                  Edit(d, "Edit_File").setText("messung.txt");
+                  Edit(d, "Edit_Separator").setText(";");
+              }),
+              "FILE:messung.txt,SEP:59");
 }
 
 TEST_F(ScopeSource, OkBuildsEachKindWithItsModifiers)
@@ -115,17 +104,6 @@ TEST_F(ScopeSource, OkBuildsEachKindWithItsModifiers)
         {"x:t,y:u", [](QDialog& d) { Child<QRadioButton>(d, "RB_ADX").click(); }, "ADX_DATA:"},
     };
     for (const TRow& r : rows) EXPECT_EQ(OpenSource(r.in, r.act), r.out) << r.in;
-}
-
-TEST_F(ScopeSource, ImageSourceSplitsIntoChannelRowAndNumber)
-{
-    OpenSource("IMAGE-R-L:7,FREQ:100", [](QDialog& d) {
-        EXPECT_TRUE(Child<QRadioButton>(d, "RB_Image").isChecked());
-        EXPECT_EQ(Child<QComboBox>(d, "CB_Channel").currentIndex(), 0);
-        EXPECT_EQ(Child<QComboBox>(d, "CB_RowCol").currentIndex(), 0);
-        EXPECT_EQ(Edit(d, "Edit_Image_N").text(), "7");
-        EXPECT_EQ(Edit(d, "Edit_Image_Freq").text(), "100");
-    });
 }
 
 TEST_F(ScopeSource, ChoosingAKindEnablesOnlyItsFields)
