@@ -104,7 +104,7 @@ TEST_F(SysUtilsRunTest, FileInUseByAnotherProcessOrALock)
     EXPECT_EQ(Run("FileInUse", file), "False");
     TChildProcess holder;
     ASSERT_EQ(holder.Start({"sh", "-c", "exec 3<\"$0\"; echo ready > \"$0.ready\"; exec sleep 30", file}, {}, STDERR_FILENO), "");
-    for (int i = 0; i < 300 && !QFile::exists(file + ".ready"); ++i) std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    Eventually([&] { return QFile::exists(file + ".ready"); }, 3000);
     EXPECT_EQ(Run("FileInUse", file), "True");
     holder.AskToTerminate();
     ASSERT_EQ(holder.Wait(nullptr, 5000), TChildWait::Exited);
