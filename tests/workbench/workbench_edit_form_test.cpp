@@ -38,7 +38,7 @@ TEST_F(WorkbenchTest, PaletteInsertsATcpCallWrittenFromItsDialogWithNamedArgumen
     SetScript("var Antwort : String\n\nLog(Antwort)");
     window.Editor().GoToLine(2);
     QStringList offered;
-    OnModal("TFormTCP", [&offered](QWidget& d) {
+    InsertFromPalette("TCP", "TFormTCP", [&offered](QWidget& d) {
         const QCompleter* completer = dv::test::Find<QLineEdit>(d, "DVEdit_Result").completer();
         if (const auto* names = completer ? qobject_cast<QStringListModel*>(completer->model()) : nullptr) {
             offered = names->stringList();
@@ -49,9 +49,6 @@ TEST_F(WorkbenchTest, PaletteInsertsATcpCallWrittenFromItsDialogWithNamedArgumen
         Type(d, "DVEdit_Result", "Antwort");
         Click(d, "BT_OK");
     });
-    TCommandPalette& palette = window.Palette();
-    palette.setCurrentItem(palette.ItemOf("TCP"));
-    QTest::keyClick(&palette, Qt::Key_Return);
     // The untouched sentinel keeps its default; as it is not trailing, it is written out.
     EXPECT_EQ(window.Editor().LineText(2),
               "TCP(Host := \"127.0.0.1\", Port := 5000, Send := \"PING\", Sentinel := [10], Result := Antwort);");
@@ -131,15 +128,6 @@ TEST_F(WorkbenchTest, EditingALineAndCancellingChangesNothingWhileOkRewritesItIn
               "    TCP(Host := \"h\", Port := 99, Send := \"x\", Sentinel := [10], Result := Antwort);");
 }
 
-// Opens the palette row's dialog with Enter; fill works the dialog named form and closes it.
-void InsertFromPalette(TMainWindow& window, const char* row, const char* form, std::function<void(QWidget&)> fill)
-{
-    OnModal(form, std::move(fill));
-    TCommandPalette& palette = window.Palette();
-    palette.setCurrentItem(palette.ItemOf(row));
-    QTest::keyClick(&palette, Qt::Key_Return);
-}
-
 // Types a new line below line as the user would: end of the line, Return, the text.
 void TypeBelow(TScriptEditor& editor, int line, const QString& text)
 {
@@ -163,7 +151,7 @@ TEST_F(WorkbenchTest, LoopAndIfBlocksInsertedFromTheStructureGroupAreWrittenInPl
     SetScript("var I : Number\nvar Summe : Number\n\nLog(Summe)");
     EXPECT_EQ(window.Palette().ItemOf("(loop)")->parent()->text(0), "Struktur");
     window.Editor().GoToLine(3);
-    InsertFromPalette(window, "(loop)", "TDVGUILoop", [](QWidget& d) {
+    InsertFromPalette("(loop)", "TDVGUILoop", [](QWidget& d) {
         Click(d, "RadioFor");
         Type(d, "Edit_LoopVarName", "I");
         Type(d, "Edit_StartValue", "1");
@@ -173,7 +161,7 @@ TEST_F(WorkbenchTest, LoopAndIfBlocksInsertedFromTheStructureGroupAreWrittenInPl
     EXPECT_EQ(window.Editor().toPlainText(), "var I : Number\nvar Summe : Number\nfor I := 1 to 4 do\n93:end for\nLog(Summe)");
     TypeBelow(window.Editor(), 3, "  Summe := Summe + I");
     // Inserted below an indented line, the whole block takes its indentation.
-    InsertFromPalette(window, "(if-then-else)", "TIfThenElse", [](QWidget& d) { ConfirmCondition(d, "I = 4"); });
+    InsertFromPalette("(if-then-else)", "TIfThenElse", [](QWidget& d) { ConfirmCondition(d, "I = 4"); });
     TypeBelow(window.Editor(), 5, "    Log(\"letzte Runde\")");
     EXPECT_EQ(window.Editor().toPlainText(),
               "var I : Number\nvar Summe : Number\nfor I := 1 to 4 do\n  Summe := Summe + I\n  if I = 4 then\n"
@@ -189,12 +177,12 @@ TEST_F(WorkbenchTest, CaseAndCommentRowsWriteTheirLinesBelowTheCurrentOne)
 {
     SetScript("var N : Number = 2\nLog(N)");
     window.Editor().GoToLine(2);
-    InsertFromPalette(window, "(comment)", "TBemerkung", [](QWidget& d) {
+    InsertFromPalette("(comment)", "TBemerkung", [](QWidget& d) {
         Type(d, "Edit_Bemerkung", "Auswahl nach N");
         Click(d, "BT_OK");
     });
     EXPECT_EQ(window.Editor().LineText(3), "// Auswahl nach N");
-    InsertFromPalette(window, "(case)", "T_Case", [](QWidget& d) {
+    InsertFromPalette("(case)", "T_Case", [](QWidget& d) {
         Type(d, "Edit_Selektor", "N");
         Click(d, "BT_OK");
     });
@@ -260,19 +248,22 @@ TEST_F(WorkbenchTest, EditingALineKeepsItsMarkerAndWhatFollowsTheStatement)
 
 TEST_F(WorkbenchTest, EndAndRepeatLinesOfLoopsAnswerWithTheLoopsMessage)
 {
-    const std::pair<const char*, const char*> rows[] = {
-        {"93:end for", "Sie können das Ende einer For- oder While-schleife nicht editieren, editieren Sie stattdessen den Schleifenkopf."},
-        {"  end while", "Sie können das Ende einer For- oder While-schleife nicht editieren, editieren Sie stattdessen den Schleifenkopf."},
-        {"repeat", "Eine Repeat-Anweisung kann nicht editiert werden. Bitte editieren Sie die abschliessende Until-Anweisung."},
+    const QString end = "Sie können das Ende einer For- oder While-schleife nicht editieren, editieren Sie stattdessen den Schleifenkopf.";
+    const QString repeat = "Eine Repeat-Anweisung kann nicht editiert werden. Bitte editieren Sie die abschliessende Until-Anweisung.";
+    const std::pair<const char*, QString> rows[] = {
+        {"93:end for", end}, {"end for", end}, {"  end while", end}, {"93:end while", end}, {"repeat", repeat},
     };
     for (const auto& [line, message] : rows) {
+        SetScript(QString("var R : String\nvar N : Number\n") + line);
+        window.Editor().GoToLine(3);
         QString shown;
-        const QString after = EditLineWith(window, line, "MessageDlg", [&shown](QWidget& box) {
+        OnModal("MessageDlg", [&shown](QWidget& box) {
             shown = static_cast<QMessageBox&>(box).text();
             static_cast<QMessageBox&>(box).accept();
         });
+        EXPECT_FALSE(window.EditCurrentLine()) << line;
         EXPECT_EQ(shown, message) << line;
-        EXPECT_EQ(after, line);
+        EXPECT_EQ(window.Editor().LineText(3), line);
     }
     EXPECT_FALSE(CommandOfLine("end if", window.Commands())) << "only loops have a command for their end";
 }
@@ -345,7 +336,7 @@ TEST_F(WorkbenchTest, IfConditionsMayNameWhatIsDeclaredAtTheEditedLine)
     // A block inserted inside the procedure knows its names as well.
     SetScript(script);
     window.Editor().GoToLine(3);
-    InsertFromPalette(window, "(if-then-else)", "TIfThenElse", [](QWidget& d) { ConfirmCondition(d, "Wert > Kanal"); });
+    InsertFromPalette("(if-then-else)", "TIfThenElse", [](QWidget& d) { ConfirmCondition(d, "Wert > Kanal"); });
     EXPECT_EQ(window.Editor().LineText(4), "  if Wert > Kanal then");
 }
 
@@ -434,19 +425,20 @@ TEST(ScriptHighlighter, ColoursWhatTheTokenizerReads)
     editor.setPlainText("while X < 3 do TCP(Host := \"a\") // Ende");
     const QList<QTextLayout::FormatRange> ranges = editor.document()->firstBlock().layout()->formats();
     ASSERT_FALSE(ranges.isEmpty());
-    auto styleAt = [&](int position) {
+    auto colourAt = [&](int position) {
         QTextCharFormat f;
         for (const QTextLayout::FormatRange& r : ranges) {
             if (position >= r.start && position < r.start + r.length) f = r.format;
         }
-        return f;
+        return f.foreground().color();
     };
-    EXPECT_EQ(styleAt(0).foreground().color(), TScriptHighlighter::Format(TTokenStyle::Keyword).foreground().color());  // while
-    EXPECT_EQ(styleAt(10).foreground().color(), TScriptHighlighter::Format(TTokenStyle::Number).foreground().color());  // 3
-    EXPECT_EQ(styleAt(15).foreground().color(), TScriptHighlighter::Format(TTokenStyle::Command).foreground().color());  // TCP
-    EXPECT_EQ(styleAt(28).foreground().color(), TScriptHighlighter::Format(TTokenStyle::String).foreground().color());  // "a"
-    EXPECT_EQ(styleAt(36).foreground().color(), TScriptHighlighter::Format(TTokenStyle::Comment).foreground().color());  // Ende
-    EXPECT_NE(styleAt(6).foreground().color(), TScriptHighlighter::Format(TTokenStyle::Command).foreground().color());  // X
+    const auto colour = [](TTokenStyle style) { return TScriptHighlighter::Format(style).foreground().color(); };
+    // while, 3, TCP, "a", Ende
+    for (const auto& [position, style] : {std::pair{0, TTokenStyle::Keyword}, {10, TTokenStyle::Number}, {15, TTokenStyle::Command},
+                                          {28, TTokenStyle::String}, {36, TTokenStyle::Comment}}) {
+        EXPECT_EQ(colourAt(position), colour(style)) << position;
+    }
+    EXPECT_NE(colourAt(6), colour(TTokenStyle::Command));  // X
 }
 
 }  // namespace

@@ -27,15 +27,21 @@ using test::WaitFor;
 using test::WriteBytes;
 using test::WorkbenchTest;
 
-TEST_F(WorkbenchTest, PassingRunShowsItsVerdictAndLogLines)
+TEST_F(WorkbenchTest, RunsShowTheirVerdictAndLogLinesAndAScriptWithSyntaxErrorsDoesNotRun)
 {
-    SetScript("var U : Number = 4.98\nLog(\"Spannung \" + U)\nCheck(U > 4.9, \"zu klein\")");
-    RunToEnd();
-    EXPECT_TRUE(window.Verdict().isVisible());
-    EXPECT_TRUE(window.Verdict().text().startsWith("Bestanden")) << window.Verdict().text().toStdString();
-    EXPECT_TRUE(LogRows().contains("2|Spannung 4.98|Info")) << LogRows().join('\n').toStdString();
-    ASSERT_TRUE(window.LastReport());
-    EXPECT_EQ(window.LastReport()->exitCode, 0);
+    const struct { const char* script; const char* verdict; int exitCode; const char* logged; bool isLogged; } rows[] = {
+        {"var U : Number = 4.98\nLog(\"Spannung \" + U)\nCheck(U > 4.9, \"zu klein\")", "Bestanden", 0, "2|Spannung 4.98|Info", true},
+        {"Log(1)\nLog(\n", "Fehlgeschlagen", 2, "1|1|Info", false},
+    };
+    for (const auto& r : rows) {
+        SetScript(r.script);
+        RunToEnd();
+        EXPECT_TRUE(window.Verdict().isVisible());
+        EXPECT_TRUE(window.Verdict().text().startsWith(r.verdict)) << window.Verdict().text().toStdString();
+        EXPECT_EQ(LogRows().contains(r.logged), r.isLogged) << LogRows().join('\n').toStdString();
+        ASSERT_TRUE(window.LastReport());
+        EXPECT_EQ(window.LastReport()->exitCode, r.exitCode);
+    }
 }
 
 TEST_F(WorkbenchTest, FailingRunNamesTheFailedCheckAndTheLogJumpsToItsLine)
@@ -63,36 +69,13 @@ TEST_F(WorkbenchTest, FailingRunNamesTheFailedCheckAndTheLogJumpsToItsLine)
     QTemporaryDir dir;
     const QString junit = dir.filePath("bericht.xml");
     ASSERT_TRUE(window.ExportJUnit(junit));
-    QFile report(junit);
-    ASSERT_TRUE(report.open(QIODevice::ReadOnly));
-    const QString xml = QString::fromUtf8(report.readAll());
+    const QString xml = ReadText(junit);
     EXPECT_TRUE(xml.contains("<failure")) << xml.toStdString();
     EXPECT_TRUE(xml.contains("zu klein"));
 }
 
-TEST_F(WorkbenchTest, StopEndsAScriptBlockedInALongExecAndMarksItsLineMeanwhile)
-{
-    SetScript("Log(\"vor Exec\")\nExec(ExePath := \"sleep\", Params := \"30\", TimeOut := -1)\nLog(\"nach Exec\")");
-    window.activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
-    bool readOnly = false;
-    const test::TStopped stopped = StopWhileWaiting(
-        window, 2, [&] { QTest::keyClick(&window.Editor(), Qt::Key_F5); },
-        [&] {
-            readOnly = window.Editor().isReadOnly();
-            QTest::keyClick(&window.Editor(), Qt::Key_F5, Qt::ShiftModifier);
-        });
-    RecordProperty("stop_ms", static_cast<int>(stopped.ms));
-    ASSERT_GE(stopped.ms, 0) << "the run did not wait in Exec or gave no verdict";
-    EXPECT_LT(stopped.ms, 100);
-    EXPECT_TRUE(readOnly);
-    EXPECT_TRUE(stopped.verdict.contains("Test abgebrochen")) << stopped.verdict.toStdString();
-    EXPECT_FALSE(LogRows().join('\n').contains("nach Exec"));
-    EXPECT_EQ(window.Editor().RunningLine(), 0);
-    EXPECT_FALSE(window.Editor().isReadOnly());
-}
-
-// Each command that waits on something outside the script ends its wait when the run is stopped.
+// Each command that waits on something outside the script ends its wait when the run is stopped
+// (F5, then Shift+F5); meanwhile the editor is read-only and marks the running line.
 TEST_F(WorkbenchTest, StopEndsEveryCommandsWaitWithin100Ms)
 {
     QTcpServer silentTcp;  // takes the connection and never answers
@@ -119,16 +102,27 @@ TEST_F(WorkbenchTest, StopEndsEveryCommandsWaitWithin100Ms)
         {"CallNamedPipe", QString("var R : String\nCallNamedPipe(Name := \"\\\\.\\pipe\\%1\", Call := \"x\", Result := R);\nLog(R)")
                               .arg(pipeName), 2},
         {"FormResult", QString("var R : String\nFormShow(File := \"%1\");\nFormResult(Timeout := -1, Result := R);\nLog(R)").arg(form), 3},
-        {"Exec", "Exec(ExePath := \"sleep\", Params := \"30\", TimeOut := -1)\nLog(\"nach\")", 1},
+        {"Exec", "Log(\"vor\")\nExec(ExePath := \"sleep\", Params := \"30\", TimeOut := -1)\nLog(\"nach\")", 2},
     };
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
     for (const auto& r : rows) {
         SetScript(r.script);
-        const test::TStopped stopped = StopWhileWaiting(window, r.line, [&] { window.Run(); }, [&] { window.Stop(); });
+        bool readOnly = false;
+        const test::TStopped stopped = StopWhileWaiting(
+            window, r.line, [&] { QTest::keyClick(&window.Editor(), Qt::Key_F5); },
+            [&] {
+                readOnly = window.Editor().isReadOnly();
+                QTest::keyClick(&window.Editor(), Qt::Key_F5, Qt::ShiftModifier);
+            });
         RecordProperty(std::string("stop_ms_") + r.name, static_cast<int>(stopped.ms));
         ASSERT_GE(stopped.ms, 0) << r.name << ": did not wait, or gave no verdict\n" << LogRows().join('\n').toStdString();
         EXPECT_LT(stopped.ms, 100) << r.name;
+        EXPECT_TRUE(readOnly) << r.name;
         EXPECT_TRUE(stopped.verdict.contains("Test abgebrochen")) << r.name << ": " << stopped.verdict.toStdString();
         EXPECT_EQ(LogRows().filter("|Info").filter(QRegularExpression("^\\d+\\|(nach)?\\|")).size(), 0) << r.name;
+        EXPECT_EQ(window.Editor().RunningLine(), 0) << r.name;
+        EXPECT_FALSE(window.Editor().isReadOnly()) << r.name;
     }
 }
 
@@ -235,15 +229,6 @@ TEST_F(WorkbenchTest, AnEndlessLoggingLoopLeavesTheWindowResponsiveAndStopsAtOnc
     EXPECT_EQ(first, log.Dropped() + 1) << "every line before them is counted";
 }
 
-TEST_F(WorkbenchTest, ScriptWithSyntaxErrorsDoesNotRunAndLogsWhereTheyAre)
-{
-    SetScript("Log(1)\nLog(\n");
-    RunToEnd();
-    EXPECT_TRUE(window.Verdict().text().startsWith("Fehlgeschlagen"));
-    EXPECT_EQ(window.LastReport()->exitCode, 2);
-    EXPECT_FALSE(LogRows().contains("1|1|Info"));
-}
-
 TEST_F(WorkbenchTest, VariablesViewShowsTheValuesTheRunLeft)
 {
     window.SetProjectFolder(folder.path());
@@ -273,21 +258,20 @@ TEST_F(WorkbenchTest, TextOutputAndTheLaborCommandsReachTheLaborWindow)
     RunToEnd();
     EXPECT_TRUE(window.Labor().isVisible());
     EXPECT_EQ(window.Labor().Document().toPlainText(), "Hallo Labor\nRot fett\nBlau schraeg");
-    const QTextCharFormat red = FormatOf(window.Labor().Document(), "Rot fett");
-    EXPECT_TRUE(red.fontFamilies().toStringList().contains("Courier"));
-    EXPECT_EQ(red.fontPointSize(), 14);
-    EXPECT_EQ(red.foreground().color(), QColor(255, 0, 0));
-    EXPECT_EQ(red.fontWeight(), QFont::Bold);
-    EXPECT_TRUE(red.fontUnderline());
-    EXPECT_FALSE(red.fontItalic());
-    EXPECT_FALSE(red.fontStrikeOut());
-    const QTextCharFormat blue = FormatOf(window.Labor().Document(), "Blau schraeg");
-    EXPECT_EQ(blue.fontPointSize(), 8);
-    EXPECT_EQ(blue.foreground().color(), QColor(0, 0, 255));
-    EXPECT_NE(blue.fontWeight(), QFont::Bold);
-    EXPECT_TRUE(blue.fontItalic());
-    EXPECT_TRUE(blue.fontStrikeOut());
-    EXPECT_FALSE(blue.fontUnderline());
+    const struct { const char* text; int size; QColor colour; bool bold, italic, underline, strikeOut; } formats[] = {
+        {"Rot fett", 14, QColor(255, 0, 0), true, false, true, false},
+        {"Blau schraeg", 8, QColor(0, 0, 255), false, true, false, true},
+    };
+    for (const auto& f : formats) {
+        const QTextCharFormat format = FormatOf(window.Labor().Document(), f.text);
+        EXPECT_EQ(format.fontPointSize(), f.size) << f.text;
+        EXPECT_EQ(format.foreground().color(), f.colour) << f.text;
+        EXPECT_EQ(format.fontWeight() == QFont::Bold, f.bold) << f.text;
+        EXPECT_EQ(format.fontItalic(), f.italic) << f.text;
+        EXPECT_EQ(format.fontUnderline(), f.underline) << f.text;
+        EXPECT_EQ(format.fontStrikeOut(), f.strikeOut) << f.text;
+    }
+    EXPECT_TRUE(FormatOf(window.Labor().Document(), "Rot fett").fontFamilies().toStringList().contains("Courier"));
     const QString pdf = folder.filePath("labor.pdf");
     ASSERT_TRUE(window.Labor().ExportPdf(pdf));
     EXPECT_TRUE(ReadText(pdf).startsWith("%PDF"));

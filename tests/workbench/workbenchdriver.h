@@ -2,8 +2,10 @@
 // Driving the workbench's main window in tests: waiting on its event loop, a window with a scratch
 // folder and a script, and stopping a run while one of its commands waits.
 #include "commands/system/platform_process.h"
+#include "tests/commands/formdriver.h"
 #include "workbench/logmodel.h"
 #include "workbench/mainwindow.h"
+#include "workbench/palette.h"
 #include "workbench/scripteditor.h"
 
 #include <QCoreApplication>
@@ -61,6 +63,13 @@ protected:
     {
         window.Editor().setPlainText(text);
         window.Editor().CheckNow();
+    }
+    // Opens the palette row's dialog with Enter; fill works the dialog named form and closes it.
+    void InsertFromPalette(const char* row, const QString& form, std::function<void(QWidget&)> fill)
+    {
+        dv::test::OnModal(form, std::move(fill));
+        window.Palette().setCurrentItem(window.Palette().ItemOf(row));
+        QTest::keyClick(&window.Palette(), Qt::Key_Return);
     }
     void RunToEnd()
     {

@@ -52,15 +52,7 @@ inline TParamList ParamsOf(std::initializer_list<std::pair<const char*, QString>
 }
 
 // The message of the exception a call raised, or "" when it succeeded.
-inline QString FailureOf(const std::function<void()>& call)
-{
-    try {
-        call();
-    } catch (const TDravikException& e) {
-        return e.Message();
-    }
-    return {};
-}
+inline QString FailureOf(const std::function<void()>& call) { return RaisedMessage<TDravikException>(call).value_or(""); }
 
 // Signals stop after delayMs; MsSinceSignal tells how long a wait went on after that.
 struct TStopLater {
