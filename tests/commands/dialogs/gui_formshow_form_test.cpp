@@ -1,12 +1,12 @@
 #include "commands/dialogs/gui_formshow.h"
 #include "tests/commands/formdriver.h"
 #include "tests/commands/params.h"
+#include "tests/support/process.h"
 #include "tests/support/testhost.h"
 #include "framework/systemlog.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
-#include <QFile>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -51,19 +51,9 @@ TEST(FormShowFormTest, ControlsBindToTheParametersByName)
 TEST(FormWindowTest, AWindowThatEndsBeforeAnAnswerEndsTheWait)
 {
     QTemporaryDir dir;
-    const QString browser = dir.filePath("dvformbrowser");
-    {
-        QFile f(browser);
-        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-        f.write("#!/bin/sh\nexit 1\n");
-    }
-    QFile::setPermissions(browser, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-    QFile page(dir.filePath("f.html"));
-    ASSERT_TRUE(page.open(QIODevice::WriteOnly));
-    page.write("<form method=post></form>");
-    page.close();
-    const QByteArray path = qgetenv("PATH");
-    qputenv("PATH", dir.path().toLocal8Bit() + ':' + path);
+    WriteProgram(dir.filePath("dvformbrowser"), "exit 1");
+    WriteFile(dir.filePath("f.html"), "<form method=post></form>");
+    const TScopedEnvironment path("PATH", dir.path().toLocal8Bit() + ':' + qgetenv("PATH"));
     QStringList warnings;
     SystemLog.SetSink([&](const QString&, const QString& text) { warnings << text; });
 
@@ -71,7 +61,7 @@ TEST(FormWindowTest, AWindowThatEndsBeforeAnAnswerEndsTheWait)
     host.Declare("Antwort", g_StringType);
     host.SetVariable("Antwort", std::make_unique<TStringValue>("alt"));
     TDVCmdFormShow show(&host);
-    TParamList showParams = MakeParams({{"File", page.fileName().toUtf8().constData()}});
+    TParamList showParams = MakeParams({{"File", dir.filePath("f.html").toUtf8().constData()}});
     show.Run(showParams);
     auto waiting = std::async(std::launch::async, [&] {
         TDVCmdFormResult result(&host);
@@ -88,7 +78,6 @@ TEST(FormWindowTest, AWindowThatEndsBeforeAnAnswerEndsTheWait)
     if (!ended) host.runControl.SignalStop();
     while (waiting.wait_for(std::chrono::milliseconds(0)) != std::future_status::ready) QCoreApplication::processEvents();
     SystemLog.SetSink({});
-    qputenv("PATH", path);
     CloseShownForm();
     EXPECT_TRUE(ended) << "FormResult still waited for a window that had ended";
     EXPECT_EQ(host.ValueText("Antwort"), "");

@@ -5,11 +5,11 @@
 #include "host/hostservices.h"
 #include "tests/commands/params.h"
 #include "tests/support/httpclient.h"
+#include "tests/support/process.h"
 #include "tests/support/testhost.h"
 
 #include <QCoreApplication>
 #include <QDir>
-#include <QFile>
 #include <QTemporaryDir>
 #include <QUrl>
 
@@ -38,24 +38,12 @@ QByteArray Post(const QUrl& url, const QByteArray& body)
     return PostRequest(url.port(), url.path(QUrl::FullyEncoded).toUtf8(), body);
 }
 
-void WriteFile(const QString& path, const QByteArray& text)
-{
-    QFile f(path);
-    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-    f.write(text);
-}
-
 // Shows File through FormShow; the message of what it raised, or "".
 QString Show(TDVParser& parser, const QString& file)
 {
     TDVCmdFormShow show(&parser);
     TParamList params = MakeParams({{"File", file.toUtf8().constData()}});
-    try {
-        show.Run(params);
-    } catch (const TDravikException& e) {
-        return e.Message();
-    }
-    return {};
+    return RaisedMessage<TDravikException>([&] { show.Run(params); }).value_or("");
 }
 
 class FormTest : public testing::Test {
@@ -101,6 +89,7 @@ protected:
         waiting.wait();
         return false;
     }
+    bool Ended(std::future<void>&& waiting) { return Ended(waiting); }
 
     int argc = 0;
     std::unique_ptr<QCoreApplication> app;
@@ -116,11 +105,7 @@ TEST_F(FormTest, ServesOnlyTheFormsFolderToThisHostUnderItsToken)
     const QByteArray token = ShownForm()->Token().toUtf8();
     EXPECT_EQ(url.host(), "127.0.0.1");
     EXPECT_TRUE(url.path().endsWith("/eingabe.html"));
-    struct Row {
-        QByteArray request;
-        int status;
-    };
-    const Row rows[] = {
+    const std::pair<QByteArray, int> rows[] = {
         {Get(url, url.path().toUtf8()), 200},
         {Get(url, "/" + token + "/stil.css"), 200},
         {Get(url, "/" + token + "/../geheim.txt"), 403},
@@ -130,9 +115,7 @@ TEST_F(FormTest, ServesOnlyTheFormsFolderToThisHostUnderItsToken)
         {Get(url, "/" + token + "/fehlt.html"), 404},
         {Get(url, url.path().toUtf8(), "fremd.example:80"), 403},
     };
-    for (const Row& r : rows) {
-        EXPECT_EQ(Http(url.port(), r.request).status, r.status) << r.request.left(80).toStdString();
-    }
+    for (const auto& [request, status] : rows) EXPECT_EQ(Http(url.port(), request).status, status) << request.left(80).toStdString();
     EXPECT_EQ(Http(url.port(), Get(url, url.path().toUtf8())).body, "<form method=post><input name=Name></form>");
 }
 
@@ -144,8 +127,7 @@ TEST_F(FormTest, BodiesUpToOneMebibyteAreTakenLargerOnesRefusedBeforeTheyArrive)
     const QByteArray path = url.path(QUrl::FullyEncoded).toUtf8();
     const QByteArray exactly = "A=" + QByteArray(kMiB - 2, 'x');
     EXPECT_EQ(Http(url.port(), PostRequest(url.port(), path, exactly)).status, 200);
-    std::future<void> waiting = StartResult({{"Close", "False"}, {"Timeout", "5000"}, {"Result", "Antwort"}});
-    ASSERT_TRUE(Ended(waiting));
+    ASSERT_TRUE(Ended(StartResult({{"Close", "False"}, {"Timeout", "5000"}, {"Result", "Antwort"}})));
     EXPECT_EQ(host.ValueText("Antwort").size(), kMiB);
 
     EXPECT_EQ(Http(url.port(), PostRequest(url.port(), path, exactly + 'x')).status, 413);
@@ -157,8 +139,7 @@ TEST_F(FormTest, BodiesUpToOneMebibyteAreTakenLargerOnesRefusedBeforeTheyArrive)
     for (int i = 0; i < 40; ++i) chunked += "10000\r\n" + QByteArray(0x10000, 'x') + "\r\n";
     EXPECT_EQ(Http(url.port(), chunked + "0\r\n\r\n", 5).status, 413);
     // None of the refused bodies became a submission.
-    std::future<void> none = StartResult({{"Timeout", "50"}, {"Result", "Antwort"}});
-    ASSERT_TRUE(Ended(none));
+    ASSERT_TRUE(Ended(StartResult({{"Timeout", "50"}, {"Result", "Antwort"}})));
     EXPECT_EQ(host.ValueText("Antwort"), "");
 }
 
@@ -230,15 +211,13 @@ TEST_F(FormTest, HeadlessAnswerIsTheSubmissionAndNoLimitWithoutOneFails)
     host.Declare("Antwort", g_StringType);
     host.Declare("Name", g_StringType);
     SetHeadlessAnswers({"FormResult=Name=Anna+M%C3%BCller&Alter=42"});
-    std::future<void> answered = StartResult({{"Close", "False"}, {"Result", "Antwort"}, {"Unpack", "True"}});
-    ASSERT_TRUE(Ended(answered));
+    ASSERT_TRUE(Ended(StartResult({{"Close", "False"}, {"Result", "Antwort"}, {"Unpack", "True"}})));
     EXPECT_EQ(failure, "");
     EXPECT_EQ(host.ValueText("Name"), QString::fromUtf8("Anna Müller"));
     EXPECT_EQ(host.ValueText("Antwort"), "Name,Alter");
 
     SetHeadlessAnswers({});
-    std::future<void> unanswered = StartResult({{"Timeout", "-1"}, {"Result", "Antwort"}});
-    ASSERT_TRUE(Ended(unanswered));
+    ASSERT_TRUE(Ended(StartResult({{"Timeout", "-1"}, {"Result", "Antwort"}})));
     EXPECT_TRUE(failure.contains("dvrun --answer FormResult=")) << failure.toStdString();
 }
 
@@ -246,19 +225,14 @@ TEST_F(FormTest, ParametersAreCheckedBeforeTheWaitNamingCommandAndParameter)
 {
     host.Declare("Zahl", g_NumberType);
     host.Declare("Antwort", g_StringType);
-    struct Row {
-        TParamRows params;
-        const char* message;
-    };
-    const Row rows[] = {
+    const struct { TParamRows params; const char* message; } rows[] = {
         {{{"Timeout", "1.7"}, {"Result", "Antwort"}}, "FormResult: Timeout \"1.7\" ist keine ganze Zahl"},
         {{{"Timeout", "10"}, {"Result", "Zahl"}}, "FormResult: Result: die Variable \"Zahl\" vom Typ Number"},
         {{{"Timeout", "10"}, {"Result", "Fehlt"}}, "Der Bezeichner \"Fehlt\" wurde nicht als Variable deklariert!"},
     };
-    for (const Row& r : rows) {
+    for (const auto& r : rows) {
         failure.clear();
-        std::future<void> waiting = StartResult(r.params);
-        ASSERT_TRUE(Ended(waiting));
+        ASSERT_TRUE(Ended(StartResult(r.params)));
         EXPECT_TRUE(failure.startsWith(QString::fromUtf8(r.message))) << failure.toStdString();
     }
     EXPECT_TRUE(host.setVariableCalls.isEmpty());
@@ -302,17 +276,11 @@ TEST(FormShowTest, MissingFileAndResultWithoutFormFailClearly)
 {
     TTestHost host;
     host.Declare("Antwort", g_StringType);
-    TDVCmdFormShow show(&host);
-    TParamList params = MakeParams({{"File", "/gibt/es/nicht.html"}});
-    EXPECT_THROW(show.Run(params), TDravikException);
+    EXPECT_NE(Show(host, "/gibt/es/nicht.html"), "");
     TDVCmdFormResult result(&host);
     TParamList resultParams = MakeParams({{"Result", "Antwort"}, {"Timeout", "10"}});
-    try {
-        result.RunThreaded(resultParams);
-        ADD_FAILURE() << "ran without a form";
-    } catch (const TDravikException& e) {
-        EXPECT_TRUE(e.Message().contains("FormShow")) << e.Message().toStdString();
-    }
+    const QString failure = RaisedMessage<TDravikException>([&] { result.RunThreaded(resultParams); }).value_or("ran without a form");
+    EXPECT_TRUE(failure.contains("FormShow")) << failure.toStdString();
 }
 
 // Unpack writes all fields or none: a field its variable cannot take names the field, and the

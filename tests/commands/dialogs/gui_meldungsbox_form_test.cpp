@@ -14,84 +14,55 @@ namespace {
 
 using namespace test;
 
-// Each button of the shown message, pressed by the person: its result text, and a stop for
-// Abbrechen (Cancel and Abort alike).
-TEST(MeldungsBoxFormTest, EveryButtonGivesItsResultTextAndCancelOrAbortStops)
+// The shown message offers exactly the chosen buttons, with the type's icon, at the place given in
+// percent of the screen; each button pressed by the person gives its result text, and Cancel or
+// Abort stops. An empty set shows the OK button of the standard message dialog and answers "OK", as
+// the headless answer OK does.
+TEST(MeldungsBoxFormTest, ExactlyTheChosenButtonsEachGivingItsResultTheTypesIconAndThePlace)
 {
-    struct Row {
-        const char* button;
-        const char* expected;
+    const char* all = "mbYes + mbNo + mbOK + mbCancel + mbAbort + mbRetry + mbIgnore";
+    const QStringList allOffered{"mbAbort", "mbCancel", "mbIgnore", "mbNo", "mbOK", "mbRetry", "mbYes"};
+    const struct {
+        const char *buttons, *type, *press;
+        QStringList offered;
+        QMessageBox::Icon icon;
+        const char* result;
         int stops;
+    } rows[] = {
+        {all, "\"mtWarning\"", "mbYes", allOffered, QMessageBox::Warning, "JA", 0},
+        {all, "\"mtWarning\"", "mbNo", allOffered, QMessageBox::Warning, "NEIN", 0},
+        {all, "\"mtWarning\"", "mbOK", allOffered, QMessageBox::Warning, "OK", 0},
+        {all, "\"mtWarning\"", "mbCancel", allOffered, QMessageBox::Warning, "ABBRECHEN", 1},
+        {all, "\"mtWarning\"", "mbAbort", allOffered, QMessageBox::Warning, "ABBRECHEN", 1},
+        {all, "\"mtWarning\"", "mbRetry", allOffered, QMessageBox::Warning, "WIEDERHOLEN", 0},
+        {all, "\"mtWarning\"", "mbIgnore", allOffered, QMessageBox::Warning, "IGNORIEREN", 0},
+        {"mbYes + mbNo", "\"mtError\"", "mbNo", {"mbNo", "mbYes"}, QMessageBox::Critical, "NEIN", 0},
+        {"", "\"mtWarning\"", "mbOK", {"mbOK"}, QMessageBox::Warning, "OK", 0},
     };
-    const Row rows[] = {
-        {"mbYes", "JA", 0},        {"mbNo", "NEIN", 0},          {"mbOK", "OK", 0},
-        {"mbCancel", "ABBRECHEN", 1}, {"mbAbort", "ABBRECHEN", 1}, {"mbRetry", "WIEDERHOLEN", 0},
-        {"mbIgnore", "IGNORIEREN", 0},
-    };
-    for (const Row& r : rows) {
+    const QSize screen = QGuiApplication::primaryScreen()->geometry().size();
+    for (const auto& r : rows) {
         TTestHost host;
         host.Declare("ButtonResult", g_StringType);
         TDVCmdMeldungsBox command(&host);
         QStringList offered;
         QMessageBox::Icon icon = QMessageBox::NoIcon;
+        QPoint at;
         OnModal("MeldungsBox", [&](QWidget& box) {
             for (QAbstractButton* b : static_cast<QMessageBox&>(box).buttons()) offered << b->objectName();
             icon = static_cast<QMessageBox&>(box).icon();
-            Find<QAbstractButton>(box, r.button).click();
+            at = box.pos();
+            Find<QAbstractButton>(box, r.press).click();
         });
-        TParamList params = MakeParams({{"Text", "Weiter?"}, {"Type", "\"mtWarning\""},
-                                        {"Buttons", "mbYes + mbNo + mbOK + mbCancel + mbAbort + mbRetry + mbIgnore"}});
+        TParamList params = MakeParams({{"Position", "False"}, {"Text", "Weiter?"}, {"Type", r.type}, {"Buttons", r.buttons},
+                                        {"XPos", "10"}, {"YPos", "20"}});
         command.Run(params);
-        EXPECT_EQ(host.ValueText("ButtonResult"), r.expected) << r.button;
-        EXPECT_EQ(host.stopCalls, r.stops) << r.button;
+        EXPECT_EQ(host.ValueText("ButtonResult"), r.result) << r.press;
+        EXPECT_EQ(host.stopCalls, r.stops) << r.press;
         offered.sort();
-        EXPECT_EQ(offered, (QStringList{"mbAbort", "mbCancel", "mbIgnore", "mbNo", "mbOK", "mbRetry", "mbYes"}));
-        EXPECT_EQ(icon, QMessageBox::Warning);
+        EXPECT_EQ(offered, r.offered) << r.buttons;
+        EXPECT_EQ(icon, r.icon) << r.type;
+        EXPECT_EQ(at, QPoint(qRound(screen.width() * 0.1), qRound(screen.height() * 0.2)));
     }
-}
-
-TEST(MeldungsBoxFormTest, ExactlyTheChosenButtonsTheTypesIconAndThePlace)
-{
-    TTestHost host;
-    host.Declare("ButtonResult", g_StringType);
-    TDVCmdMeldungsBox command(&host);
-    QStringList offered;
-    QMessageBox::Icon icon = QMessageBox::NoIcon;
-    QPoint at;
-    OnModal("MeldungsBox", [&](QWidget& box) {
-        for (QAbstractButton* b : static_cast<QMessageBox&>(box).buttons()) offered << b->objectName();
-        icon = static_cast<QMessageBox&>(box).icon();
-        at = box.pos();
-        Find<QAbstractButton>(box, "mbNo").click();
-    });
-    TParamList params = MakeParams({{"Position", "False"}, {"Text", "Fehler?"}, {"Type", "\"mtError\""},
-                                    {"Buttons", "mbYes + mbNo"}, {"XPos", "10"}, {"YPos", "20"}});
-    command.Run(params);
-    offered.sort();
-    EXPECT_EQ(offered, (QStringList{"mbNo", "mbYes"}));
-    EXPECT_EQ(icon, QMessageBox::Critical);
-    const QSize screen = QGuiApplication::primaryScreen()->geometry().size();
-    EXPECT_EQ(at, QPoint(qRound(screen.width() * 0.1), qRound(screen.height() * 0.2)));
-    EXPECT_EQ(host.ValueText("ButtonResult"), "NEIN");
-}
-
-// An empty set shows the OK button of the standard message dialog, and pressing it answers "OK",
-// as the headless answer OK does.
-TEST(MeldungsBoxFormTest, AnEmptyButtonSetShowsOkAndAnswersOk)
-{
-    TTestHost host;
-    host.Declare("ButtonResult", g_StringType);
-    TDVCmdMeldungsBox command(&host);
-    QStringList offered;
-    OnModal("MeldungsBox", [&](QWidget& box) {
-        for (QAbstractButton* b : static_cast<QMessageBox&>(box).buttons()) offered << b->objectName();
-        static_cast<QMessageBox&>(box).buttons().front()->click();
-    });
-    TParamList params = MakeParams({{"Text", "Hinweis"}, {"Buttons", ""}});
-    command.Run(params);
-    EXPECT_EQ(offered, QStringList{"mbOK"});
-    EXPECT_EQ(host.ValueText("ButtonResult"), "OK");
-    EXPECT_EQ(host.stopCalls, 0);
 }
 
 // A ButtonResult that cannot take the answer fails before the message shows, naming it.

@@ -10,14 +10,15 @@ namespace {
 
 using namespace test;
 
-TEST(MeldungsBoxTest, TypeKeywordsLastRowOfTheTableWins)
+class MeldungsBoxTest : public ::testing::Test {
+protected:
+    TTestHost host;
+    TDVCmdMeldungsBox command{&host};
+};
+
+TEST(MeldungsBoxKeywordTest, TypeKeywordsLastRowOfTheTableWins)
 {
-    struct Row {
-        QString text;
-        int previous;
-        TMsgDlgType expected;
-    };
-    const Row rows[] = {
+    const struct { QString text; int previous; TMsgDlgType expected; } rows[] = {
         {"mtWarning", 3, TMsgDlgType::Warning},
         {"mtWarning + mtError", 3, TMsgDlgType::Error},
         {"mtError mtWarning", 3, TMsgDlgType::Error},  // the table's order counts, not the text's
@@ -26,18 +27,12 @@ TEST(MeldungsBoxTest, TypeKeywordsLastRowOfTheTableWins)
         {"", 1, TMsgDlgType::Error},
         {"mtconfirmation", 0, TMsgDlgType::Warning},   // keywords are case-sensitive
     };
-    for (const Row& r : rows) {
-        EXPECT_EQ(ReadMessageType(r.text, r.previous), static_cast<int>(r.expected)) << r.text.toStdString();
-    }
+    for (const auto& r : rows) EXPECT_EQ(ReadMessageType(r.text, r.previous), static_cast<int>(r.expected)) << r.text.toStdString();
 }
 
-TEST(MeldungsBoxTest, ButtonsByKeywordOrBySingleCharacter)
+TEST(MeldungsBoxKeywordTest, ButtonsByKeywordOrBySingleCharacter)
 {
-    struct Row {
-        QString text;
-        int expected;
-    };
-    const Row rows[] = {
+    const std::pair<QString, int> rows[] = {
         {"mbYes + mbNo", 1 | 2},
         {"mbOK", 4},
         {"mbAbort + mbRetry + mbIgnore", 16 | 32 | 64},
@@ -47,13 +42,11 @@ TEST(MeldungsBoxTest, ButtonsByKeywordOrBySingleCharacter)
         {"", 0},
         {"mbyes", 0},
     };
-    for (const Row& r : rows) EXPECT_EQ(ReadMessageButtons(r.text), r.expected) << r.text.toStdString();
+    for (const auto& [text, expected] : rows) EXPECT_EQ(ReadMessageButtons(text), expected) << text.toStdString();
 }
 
-TEST(MeldungsBoxTest, ReadParamsWritesInOrderJoinsButtonsAndNeverWritesAbort)
+TEST_F(MeldungsBoxTest, ReadParamsWritesInOrderJoinsButtonsAndNeverWritesAbort)
 {
-    TTestHost host;
-    TDVCmdMeldungsBox command(&host);
     const TParamList read = ReadBack(command, MakeParams({{"Position", "False"}, {"Text", "\"Weiter?\""},
                                                           {"Type", "mtWarning mtError"},
                                                           {"Buttons", "mbIgnore + mbAbort + mbYes"},
@@ -63,10 +56,8 @@ TEST(MeldungsBoxTest, ReadParamsWritesInOrderJoinsButtonsAndNeverWritesAbort)
                                 {"Position", "False"}, {"XPos", "10"}, {"YPos", "0"}}));
 }
 
-TEST(MeldungsBoxTest, DefaultsAndAnEmptyPositionMeanTheStandardPlace)
+TEST_F(MeldungsBoxTest, DefaultsAndAnEmptyPositionMeanTheStandardPlace)
 {
-    TTestHost host;
-    TDVCmdMeldungsBox command(&host);
     command.SetDefaults();
     TParamList defaults;
     command.ReadParams(defaults);
@@ -76,7 +67,7 @@ TEST(MeldungsBoxTest, DefaultsAndAnEmptyPositionMeanTheStandardPlace)
     EXPECT_TRUE(command.Fields().standardPosition);
 }
 
-TEST(MeldungsBoxTest, PositionIsPercentOfTheScreenRounded)
+TEST(MeldungsBoxKeywordTest, PositionIsPercentOfTheScreenRounded)
 {
     // Pixel = screen size / 100 * percent, worked out by hand.
     EXPECT_EQ(MessagePosition({1920, 1080}, 50, 25), QPoint(960, 270));
@@ -87,15 +78,9 @@ TEST(MeldungsBoxTest, PositionIsPercentOfTheScreenRounded)
     EXPECT_EQ(MessagePosition({1050, 1050}, 3, 3), QPoint(32, 32));
 }
 
-TEST(MeldungsBoxTest, OlderLineWithBracketedButtonsAndPosition)
+TEST_F(MeldungsBoxTest, OlderLineWithBracketedButtonsAndPosition)
 {
-    TTestHost host;
-    TDVCmdMeldungsBox command(&host);
-    struct Row {
-        const char* line;
-        TParamRows expected;
-    };
-    const Row rows[] = {
+    const struct { const char* line; TParamRows expected; } rows[] = {
         {"MeldungsBox(\"Achtung, heiß\",mtError,[mbYes][mbNo][mbAbort],@x:10,@y:20);",
          {{"Text", "\"Achtung"}, {"Type", "\"mtError\""}, {"Buttons", "\"mbYes + mbNo\""}, {"Position", "False"},
           {"XPos", "10"}, {"YPos", "20"}}},
@@ -103,17 +88,15 @@ TEST(MeldungsBoxTest, OlderLineWithBracketedButtonsAndPosition)
          {{"Text", "Hallo"}, {"Type", "\"mtInformation\""}, {"Buttons", "\"mbOK + mbCancel + mbRetry + mbIgnore\""},
           {"Position", "True"}, {"XPos", "0"}, {"YPos", "0"}}},
     };
-    for (const Row& r : rows) {
+    for (const auto& r : rows) {
         TParamList params;
         EXPECT_TRUE(command.DecodeScript(QString::fromUtf8(r.line), params, nullptr));
         EXPECT_EQ(params, MakeParams(r.expected)) << r.line;
     }
 }
 
-TEST(MeldungsBoxTest, OlderLineQuirksAreKept)
+TEST_F(MeldungsBoxTest, OlderLineQuirksAreKept)
 {
-    TTestHost host;
-    TDVCmdMeldungsBox command(&host);
     TParamList params;
     // "@x:" without ",@y:" reads no X digits: the message is placed, at 0.
     command.DecodeScript("MeldungsBox(Hallo,mtWarning,[mbOK],@x:30);", params, nullptr);
@@ -129,15 +112,9 @@ TEST(MeldungsBoxTest, OlderLineQuirksAreKept)
 
 // What marks a line as older even where the current grammar could read it: a bracketed button or
 // a position mark outside string literals.
-TEST(MeldungsBoxTest, OlderFormByBracketedButtonOrPositionOutsideTexts)
+TEST_F(MeldungsBoxTest, OlderFormByBracketedButtonOrPositionOutsideTexts)
 {
-    TTestHost host;
-    const TDVCmdMeldungsBox command(&host);
-    struct Row {
-        const char* line;
-        bool older;
-    };
-    const Row rows[] = {
+    const std::pair<const char*, bool> rows[] = {
         {"MeldungsBox(\"Hallo\",mtInformation,[mbOK]);", true},
         {"MeldungsBox(Hallo,mtInformation,[mbOK][mbCancel]);", true},
         {"MeldungsBox(\"Hallo\",mtWarning,@x:10,@y:20);", true},
@@ -147,62 +124,39 @@ TEST(MeldungsBoxTest, OlderFormByBracketedButtonOrPositionOutsideTexts)
         {"MeldungsBox(Position := True, Text := \"[mbYes]\", Type := \"mtError\", Buttons := \"mbYes\", XPos := 0, YPos := 0);", false},
         {"MeldungsBox(True, \"Zitat \"\"\"\" [mbOK]\", \"mtError\", \"mbOK\", 0, 0);", false},
     };
-    for (const Row& r : rows) EXPECT_EQ(command.IsOlderForm(QString::fromUtf8(r.line)), r.older) << r.line;
+    for (const auto& [line, older] : rows) EXPECT_EQ(command.IsOlderForm(QString::fromUtf8(line)), older) << line;
 }
 
-// Without a GUI the answer stands for the pressed button; Abbrechen on Cancel or Abort stops the test.
-TEST(MeldungsBoxTest, HeadlessAnswersGiveTheResultTextAndStopOnAbbrechen)
+// Without a GUI the answer stands for the pressed button; Abbrechen on Cancel or Abort stops the
+// test. Without a fitting answer the call fails naming the option, and writes nothing.
+TEST_F(MeldungsBoxTest, HeadlessAnswersGiveTheResultTextAndStopOnAbbrechen)
 {
-    struct Row {
-        const char* answer;
-        const char* buttons;
-        const char* expected;
-        int stops;
-    };
-    const Row rows[] = {
-        {"JA", "mbYes + mbNo", "JA", 0},       {"nein", "mbYes + mbNo", "NEIN", 0},
-        {"OK", "mbOK", "OK", 0},               {"OK", "", "OK", 0},
-        {"ABBRECHEN", "mbCancel", "ABBRECHEN", 1}, {"Abbrechen", "mbAbort", "ABBRECHEN", 1},
-        {"WIEDERHOLEN", "mbRetry", "WIEDERHOLEN", 0}, {"IGNORIEREN", "mbIgnore", "IGNORIEREN", 0},
-    };
-    for (const Row& r : rows) {
-        TTestHost host;
-        host.Declare("ButtonResult", g_StringType);
-        TDVCmdMeldungsBox command(&host);
-        SetHeadlessAnswers({QStringLiteral("MeldungsBox=") + r.answer});
-        TParamList params = MakeParams({{"Text", "Frage"}, {"Buttons", r.buttons}});
-        command.Run(params);
-        EXPECT_EQ(host.ValueText("ButtonResult"), r.expected) << r.answer << " " << r.buttons;
-        EXPECT_EQ(host.stopCalls, r.stops) << r.answer << " " << r.buttons;
-    }
-    SetHeadlessAnswers({});
-}
-
-TEST(MeldungsBoxTest, HeadlessWithoutAFittingAnswerFailsNamingTheOption)
-{
-    TTestHost host;
     host.Declare("ButtonResult", g_StringType);
-    TDVCmdMeldungsBox command(&host);
-    struct Row {
-        QStringList answers;
-        const char* expectedPart;
+    const struct { QStringList answers; const char* buttons; const char* expected; int stops; } rows[] = {
+        {{"MeldungsBox=JA"}, "mbYes + mbNo", "JA", 0},         {{"MeldungsBox=nein"}, "mbYes + mbNo", "NEIN", 0},
+        {{"MeldungsBox=OK"}, "mbOK", "OK", 0},                 {{"MeldungsBox=OK"}, "", "OK", 0},
+        {{"MeldungsBox=ABBRECHEN"}, "mbCancel", "ABBRECHEN", 1}, {{"MeldungsBox=Abbrechen"}, "mbAbort", "ABBRECHEN", 1},
+        {{"MeldungsBox=WIEDERHOLEN"}, "mbRetry", "WIEDERHOLEN", 0}, {{"MeldungsBox=IGNORIEREN"}, "mbIgnore", "IGNORIEREN", 0},
+        {{}, "mbOK + mbCancel", "!dvrun --answer MeldungsBox=", 0},
+        {{"MeldungsBox=JA"}, "mbOK + mbCancel", "!\"JA\" passt zu keinem Knopf", 0},
+        {{"MeldungsBox=VIELLEICHT"}, "mbOK + mbCancel", "!\"VIELLEICHT\" passt zu keinem Knopf", 0},
     };
-    const Row rows[] = {
-        {{}, "dvrun --answer MeldungsBox="},
-        {{"MeldungsBox=JA"}, "\"JA\" passt zu keinem Knopf"},
-        {{"MeldungsBox=VIELLEICHT"}, "\"VIELLEICHT\" passt zu keinem Knopf"},
-    };
-    for (const Row& r : rows) {
+    for (const auto& r : rows) {
+        host.stopCalls = 0;
+        host.setVariableCalls.clear();
+        host.Declare("ButtonResult", g_StringType);
         SetHeadlessAnswers(r.answers);
-        TParamList params = MakeParams({{"Text", "Frage"}, {"Buttons", "mbOK + mbCancel"}});
-        try {
-            command.Run(params);
-            ADD_FAILURE() << "ran without an answer";
-        } catch (const TDravikException& e) {
-            EXPECT_TRUE(e.Message().contains(QString::fromUtf8(r.expectedPart))) << e.Message().toStdString();
+        TParamList params = MakeParams({{"Text", "Frage"}, {"Buttons", r.buttons}});
+        const QString expected = QString::fromUtf8(r.expected);
+        const QString failure = RaisedMessage<TDravikException>([&] { command.Run(params); }).value_or("");
+        if (expected.startsWith('!')) {
+            EXPECT_TRUE(failure.contains(expected.mid(1))) << failure.toStdString();
+            EXPECT_TRUE(host.setVariableCalls.isEmpty()) << r.expected;
+        } else {
+            EXPECT_EQ(failure, "") << r.expected;
+            EXPECT_EQ(host.ValueText("ButtonResult"), expected) << r.buttons;
         }
-        EXPECT_TRUE(host.setVariableCalls.isEmpty());
-        EXPECT_EQ(host.stopCalls, 0);
+        EXPECT_EQ(host.stopCalls, r.stops) << r.expected << " " << r.buttons;
     }
     SetHeadlessAnswers({});
 }

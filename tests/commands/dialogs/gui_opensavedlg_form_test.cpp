@@ -21,17 +21,12 @@ using namespace test;
 TEST(OpenSaveDlgFormTest, ConfirmWritesTheChoiceCancelAndEmptyVariableWriteNothing)
 {
     QTemporaryDir folder;
-    struct Row {
-        const char* variable;
-        bool confirm;
-        QString expected;
-    };
-    const Row rows[] = {
+    const struct { const char* variable; bool confirm; QString expected; } rows[] = {
         {"Datei", true, folder.filePath("bericht.csv")},
         {"Datei", false, "vorschlag.txt"},
         {"", true, ""},
     };
-    for (const Row& r : rows) {
+    for (const auto& r : rows) {
         TTestHost host;
         host.Declare("Datei", g_StringType);
         host.SetVariable("Datei", std::make_unique<TStringValue>("vorschlag.txt"));
@@ -102,11 +97,7 @@ TEST(OpenSaveDlgFormTest, EditingKeepsExpressionsAndQuotesTypedText)
     ASSERT_TRUE(command.Edit(params));
     EXPECT_EQ(params, line);
 
-    struct Row {
-        const char* typed;
-        const char* written;
-    };
-    const Row rows[] = {
+    const std::pair<const char*, const char*> rows[] = {
         {"c:\\daten", "\"c:\\daten\""},
         {"Neuer \"Titel\"", "\"Neuer \"\"Titel\"\"\""},
         {"csv", "\"csv\""},                     // no variable of that name: text
@@ -114,14 +105,14 @@ TEST(OpenSaveDlgFormTest, EditingKeepsExpressionsAndQuotesTypedText)
         {"\"txt\"", "\"txt\""},
         {"", "\"\""},
     };
-    for (const Row& r : rows) {
+    for (const auto& [typed, written] : rows) {
         params = line;
         OnModal("TFRM_OpenSave", [&](QWidget& d) {
-            Type(d, "Edit_Extension", QString::fromUtf8(r.typed));
+            Type(d, "Edit_Extension", QString::fromUtf8(typed));
             Click(d, "BT_OK");
         });
         ASSERT_TRUE(command.Edit(params));
-        EXPECT_EQ(params.GetString("Extension"), QString::fromUtf8(r.written)) << r.typed;
+        EXPECT_EQ(params.GetString("Extension"), QString::fromUtf8(written)) << typed;
         EXPECT_EQ(params.GetString("InitDir"), line.GetString("InitDir"));
     }
 }

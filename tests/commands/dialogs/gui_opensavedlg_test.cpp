@@ -18,19 +18,14 @@ struct HeadlessAnswers {
 
 TEST(OpenSaveDlgTest, HeadlessAnswerWritesTheVariableAndAbbrechenWritesNothing)
 {
-    struct Row {
-        const char* answer;
-        const char* extension;
-        const char* expected;
-    };
-    const Row rows[] = {
+    const struct { const char *answer, *extension, *expected; } rows[] = {
         {"/daten/messung.csv", "", "/daten/messung.csv"},
         {"/daten/messung", ".csv", "/daten/messung.csv"},  // the default extension, as the dialog appends it
         {"/daten/messung.txt", "csv", "/daten/messung.txt"},
         {"Abbrechen", "csv", "vorher.csv"},
         {"ABBRECHEN", "", "vorher.csv"},
     };
-    for (const Row& r : rows) {
+    for (const auto& r : rows) {
         TTestHost host;
         host.Declare("Datei", g_StringType);
         host.SetVariable("Datei", std::make_unique<TStringValue>("vorher.csv"));
@@ -55,25 +50,16 @@ TEST(OpenSaveDlgTest, EmptyVariableWritesNothingAndBadCallsFailBeforeAnyDialog)
         command.Run(params);
         EXPECT_TRUE(host.setVariableCalls.isEmpty());
     }
-    struct Row {
-        const char* variable;
-        QStringList answers;
-        const char* expectedPart;
-    };
-    const Row rows[] = {
+    const struct { const char* variable; QStringList answers; const char* expectedPart; } rows[] = {
         {"Unbekannt", {"OpenSaveDlg=/daten/a.csv"}, "\"Unbekannt\" wurde nicht als Variable deklariert"},
         {"Zahl", {"OpenSaveDlg=/daten/a.csv"}, "OpenSaveDlg: FileName: die Variable \"Zahl\" vom Typ Number"},
         {"", {}, "dvrun --answer OpenSaveDlg="},
     };
-    for (const Row& r : rows) {
+    for (const auto& r : rows) {
         HeadlessAnswers answers(r.answers);
         TParamList params = MakeParams({{"OpenDlg", "True"}, {"FileName", r.variable}});
-        try {
-            command.Run(params);
-            ADD_FAILURE() << "ran: " << r.variable;
-        } catch (const TDravikException& e) {
-            EXPECT_TRUE(e.Message().contains(QString::fromUtf8(r.expectedPart))) << e.Message().toStdString();
-        }
+        const QString failure = RaisedMessage<TDravikException>([&] { command.Run(params); }).value_or("ran");
+        EXPECT_TRUE(failure.contains(QString::fromUtf8(r.expectedPart))) << failure.toStdString();
     }
     EXPECT_TRUE(host.setVariableCalls.isEmpty());
 }
@@ -82,18 +68,14 @@ TEST(OpenSaveDlgTest, OlderLineAndReadBack)
 {
     TTestHost host;
     TDVCmdOpenSave command(&host);
-    struct Row {
-        const char* line;
-        TParamRows expected;
-    };
-    const Row rows[] = {
+    const struct { const char* line; TParamRows expected; } rows[] = {
         {"OpenSaveDlg(OPEN_DIALOG,[FILE:Datei][DIR:/daten][CAP:Messung laden][EXT:csv]);",
          {{"OpenDlg", "True"}, {"FileName", "Datei"}, {"InitDir", "\"/daten\""}, {"Caption", "\"Messung laden\""},
           {"Extension", "\"csv\""}}},
         {"OpenSaveDlg(SAVE_DIALOG,[FILE:Ziel]);",
          {{"OpenDlg", "False"}, {"FileName", "Ziel"}, {"InitDir", "\"\""}, {"Caption", "\"\""}, {"Extension", "\"\""}}},
     };
-    for (const Row& r : rows) {
+    for (const auto& r : rows) {
         TParamList params;
         EXPECT_TRUE(command.DecodeScript(QString::fromUtf8(r.line), params, nullptr));
         EXPECT_EQ(params, MakeParams(r.expected)) << r.line;
