@@ -81,5 +81,18 @@ TEST(ScannerTest, UnterminatedTextsAreSyntaxErrors)
     }
 }
 
+TEST(ScannerTest, LastTokenFollowsWhatWasConsumed)
+{
+    TScanner scanner("a := 1\nb");
+    EXPECT_EQ(scanner.LastToken().type, T::EndOfText);
+    scanner.LookAhead();
+    EXPECT_EQ(scanner.LastToken().type, T::EndOfText);
+    scanner.GetNextToken();
+    scanner.GetNextToken();
+    EXPECT_EQ(scanner.Require(T::Number).line, 1);
+    EXPECT_EQ(scanner.LastToken().text, "1");
+    EXPECT_EQ(scanner.LookAhead().line, 2);
+}
+
 }  // namespace
 }  // namespace dv
