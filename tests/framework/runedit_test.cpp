@@ -1,5 +1,6 @@
 #include "framework/exceptions.h"
 #include "framework/runedit.h"
+#include "tests/commands/params.h"
 
 #include <gtest/gtest.h>
 
@@ -16,12 +17,8 @@ TEST(RunEditTest, EditWithoutAGuiFailsClearlyAndLeavesTheList)
     TDVCmdPlain command;
     TParamList params;
     params.AddString("A", "x");
-    try {
-        command.Edit(params);
-        ADD_FAILURE() << "Edit ran without a GUI";
-    } catch (const TDravikException& e) {
-        EXPECT_TRUE(e.Message().contains("TFormPlain")) << e.what();
-    }
+    const QString failure = test::RaisedMessage<TDravikException>([&] { command.Edit(params); }).value_or("Edit ran without a GUI");
+    EXPECT_TRUE(failure.contains("TFormPlain")) << failure.toStdString();
     EXPECT_EQ(params.GetString("A"), "x");
     EXPECT_EQ(params.Count(), 1);
 }

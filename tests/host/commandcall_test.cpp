@@ -2,6 +2,7 @@
 // parameters, threads, and the stop of a run.
 #include "framework/catalogue.h"
 #include "framework/exceptions.h"
+#include "framework/signature.h"
 #include "tests/host/scriptrun.h"
 
 #include <gtest/gtest.h>
@@ -146,8 +147,7 @@ TEST(CommandCall, EveryCatalogueSignatureParsesAndItsDefaultsEvaluate)
     THost host;
     for (const TCatalogueRow& row : Catalogue()) {
         if (QLatin1String(row.signature).isEmpty()) continue;
-        TScanner scanner(QString::fromLatin1(row.signature), false);
-        const TDVSignature sig = ParseProcedureHeading(scanner);
+        const TDVSignature sig = ParseSignature(QString::fromLatin1(row.signature));
         EXPECT_EQ(sig.name, QLatin1String(row.procedure));
         for (const TDVParamDecl& p : sig.params) {
             if (!p.hasDefault || p.defaultText.isEmpty()) continue;
