@@ -13,10 +13,7 @@
 
 namespace {
 
-struct TRun {
-    int exitCode;
-    QString out;
-};
+struct TRun { int exitCode; QString out; };
 
 TRun Dvrun(const QStringList& args)
 {
@@ -56,10 +53,7 @@ protected:
 
 TEST_F(Examples, EveryScriptRunsToItsEndWithoutFailedChecks)
 {
-    struct Row {
-        const char* script;
-        QStringList expectedLines;
-    };
+    struct Row { const char* script; QStringList expectedLines; };
     const Row rows[] = {
         {"main.dvs", {"Mittelwert: 5", "Mittelwert im Sollbereich", "PRÜFLING OK: Mittelwert 5"}},
         {"text.dvs", {"HALLO WELT", "00FF", "255", "HALLO", "10 €", "Alle Umwandlungen fertig"}},

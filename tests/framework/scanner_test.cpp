@@ -19,10 +19,7 @@ using T = TTokenType;
 
 TEST(ScannerTest, TokenKinds)
 {
-    struct Row {
-        const char* text;
-        std::vector<TTokenType> types;
-    };
+    struct Row { const char* text; std::vector<TTokenType> types; };
     const std::vector<Row> rows = {
         {"for I := 1 to N - 1 do", {T::kwFor, T::Identifier, T::Assignment, T::Number, T::kwTo, T::Identifier, T::Minus, T::Number, T::kwDo}},
         {"WHILE x <> 0 Do", {T::kwWhile, T::Identifier, T::NotEqual, T::Number, T::kwDo}},

@@ -45,11 +45,7 @@ protected:
 
 TEST_F(Dvrun, ExitCodesAndMessagesNamingFileLineAndColumn)
 {
-    const struct {
-        const char* script;
-        int exitCode;
-        const char* message;  // after "path:"
-    } cases[] = {
+    const struct { const char* script; int exitCode; const char* message; } cases[] = {  // message: after "path:"
         {"Log(1)", 0, ""},
         {"Check(1 = 2, \"falsch\")", 1, ""},
         {"var A : Array of Number\nLog(A[1])", 1, ""},
@@ -177,14 +173,7 @@ TEST_F(Dvrun, HostileScriptsEndWithAMessageAndAReport)
     const QString open = "if True then\n", close = "end if\n";
     const QString recursion = "procedure P();\n" + open.repeated(150) + "P\n" + close.repeated(150) + "end procedure\nP\n";
     const int limit = dv::host::TScriptParser::kMaxNesting;
-    const struct {
-        const char* name;
-        QString text;
-        QStringList options;
-        int exitCode;
-        int line;
-        const char* message;
-    } cases[] = {
+    const struct { const char* name; QString text; QStringList options; int exitCode, line; const char* message; } cases[] = {
         {"klammern", "Log(" + QString("(").repeated(8000) + "1" + QString(")").repeated(8000) + ")", {}, 2, 1, "zu tief verschachtelt"},
         {"arrays", "var A : Misc = " + QString("[").repeated(10000) + QString("]").repeated(10000), {}, 2, 1, "zu tief verschachtelt"},
         {"ifs", open.repeated(10000) + close.repeated(10000), {}, 2, limit, "zu tief verschachtelt"},
@@ -212,10 +201,7 @@ TEST_F(Dvrun, HostileScriptsEndWithAMessageAndAReport)
 
 TEST_F(Dvrun, DeepButValidScriptsRun)
 {
-    const struct {
-        QString text;
-        QString out;
-    } cases[] = {
+    const struct { QString text, out; } cases[] = {
         {"Log(" + QString("-").repeated(50001) + "1)", "-1\n"},
         {"var X : Number = 2\nLog(" + QString("-").repeated(50000) + "X)", "2\n"},
         {"Log(not " + QString("not ").repeated(49999) + "False)", "False\n"},
@@ -238,12 +224,7 @@ TEST_F(Dvrun, AStopSignalStopsEveryKindOfWork)
 {
     const QString pipe = "var R : String\nLog(\"los\")\nCallNamedPipe(Name := \"dvtest-fehlt-" + QString::number(::getpid()) +
                          "\", Call := \"x\", Result := R)\n";
-    const struct {
-        QString text;
-        int signal;
-        unsigned long waitMs;
-        int line;  // 0: any
-    } cases[] = {
+    const struct { QString text; int signal; unsigned long waitMs; int line; } cases[] = {  // line 0: any
         {"Log(\"los\")\nwhile True do\nend while", SIGINT, 0, 2},
         {"procedure Zwei(N : Number);\n  if N > 0 then\n    Zwei(N - 1)\n    Zwei(N - 1)\n  end if\nend procedure\n"
          "Log(\"los\")\nZwei(60)", SIGINT, 0, 0},
@@ -286,10 +267,7 @@ TEST_F(Dvrun, ASecondSignalEndsAtOnce)
 
 TEST_F(Dvrun, BuiltinDomainErrorsNameTheFunction)
 {
-    const struct {
-        const char* call;
-        const char* message;
-    } cases[] = {
+    const struct { const char *call, *message; } cases[] = {
         {"Sqrt(-1)", "Sqrt(-1) ist nicht definiert"},
         {"Ln(0)", "Ln(0) ist nicht definiert"},
         {"Log10(-2)", "Log10(-2) ist nicht definiert"},
@@ -329,10 +307,7 @@ TEST_F(Dvrun, RandomRepeatsWithItsSeed)
 // error is reported too, not swallowed while the reader skips to the next statement.
 TEST_F(Dvrun, MalformedCharactersAreSyntaxErrors)
 {
-    const struct {
-        const char* script;  // UTF-8
-        const char* expected;
-    } cases[] = {
+    const struct { const char *script, *expected; } cases[] = {  // the script in UTF-8
         {"@@", "m.dvs:1:1: Unerwartetes Zeichen '@'"},
         {"Log(1)\n@ @ @\nLog(2)", "m.dvs:2:1: Unerwartetes Zeichen '@'"},
         {"Log(\xEF\xBC\x91)", "m.dvs:1:5: Unerwartetes Zeichen '\xEF\xBC\x91'"},  // full-width digit one
@@ -439,13 +414,7 @@ TEST_F(Dvrun, OperatorCommandsWithoutAVisibleDisplayTakeTheirAnswers)
                                         "InitDir := PROJEKTPFAD, Caption := \"Bericht\", Extension := \"csv\");\nLog(Datei);\n");
     const QString art = dir.filePath("bilder"), display = "DISPLAY=" + AbsentDisplay();
     const QString unreachable = "Die Anzeige " + display + " antwortet nicht";
-    const struct {
-        QStringList args;
-        QStringList environment;
-        int exitCode;
-        const char* out;
-        QString err;
-    } cases[] = {
+    const struct { QStringList args, environment; int exitCode; const char* out; QString err; } cases[] = {
         {{mb, "--artifacts", art, "--answer", "MeldungsBox=JA"}, {}, 0, "BR=JA\n", ""},
         {{mb, "--artifacts", art}, {}, 1, "", "dvrun --answer MeldungsBox="},
         {{os, "--artifacts", art, "--answer", "OpenSaveDlg=/tmp/bericht"}, {}, 0, "/tmp/bericht.csv\n", ""},

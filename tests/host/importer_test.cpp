@@ -10,10 +10,7 @@
 namespace dv::host::test {
 namespace {
 
-struct TConverted {
-    QString text;
-    QStringList warnings;
-};
+struct TConverted { QString text; QStringList warnings; };
 
 TConverted Convert(const QString& script)
 {
@@ -119,10 +116,7 @@ TEST(Importer, ScriptsInTheCurrentFormStayByteForByteAndRun)
 TEST(Importer, LinesThatCannotBecomeCurrentLinesAreKeptWithTheirReason)
 {
     const QString head = "var S : String\nvar X : Misc\nvar A : Array of String\n";
-    const struct {
-        const char* line;
-        const char* reason;  // part of the reason given
-    } rows[] = {
+    const struct { const char *line, *reason; } rows[] = {  // reason: part of the reason given
         {"TextOut(\"Hallo\" + S;", "\")\" erwartet (für \"(\" in Zeile 4)"},
         {"TextOut(Text := \"Hallo\" + S;", "\")\" erwartet"},
         {"TextOut(\"[OUT:\" + S;", "\")\" erwartet"},  // the marker is text, not the older form
@@ -217,11 +211,7 @@ TEST(Importer, TrailingCommentsAndMarkersStayWithTheConvertedLine)
 // An older text may open a bracket or a comment it never closes; the next line is a statement of its own.
 TEST(Importer, OlderLinesReadProcedureParametersAndEndWithTheirLine)
 {
-    const struct {
-        QString older;
-        std::map<int, QString> lines;  // converted lines by index
-        QStringList output;
-    } rows[] = {
+    const struct { QString older; std::map<int, QString> lines; QStringList output; } rows[] = {  // converted lines by index
         {"var X : Number\nprocedure Wandle(H : String; var Y : Number);\n  HexToInt(IN:H,OUT:Y):0;\nend procedure\nWandle(\"FF\", X)\nLog(X)\n",
          {{2, "  NumberConvert(Operation := \"ccHexToInt\", Input := H, Output := Y, Stellen := 0);"}}, {"255"}},
         {"var N : Number\nTextOut([OUT:Spannung (V]);\nStatusBar(Wert (*alt);\nHexToInt(IN:FF,OUT:N):0;\nLog(N)\n",
@@ -242,11 +232,7 @@ TEST(Importer, OlderLinesReadProcedureParametersAndEndWithTheirLine)
 // Each command tells its older lines from current calls of the same procedure.
 TEST(Importer, EachCommandKnowsTheShapeOfItsOlderLines)
 {
-    const struct {
-        const char* procedure;
-        const char* line;
-        bool older;
-    } rows[] = {
+    const struct { const char *procedure, *line; bool older; } rows[] = {
         {"NumberConvert", "HexToInt(IN:FF,OUT:X):0;", true},
         {"NumberConvert", "hextoint (IN:FF,OUT:X):0", true},
         {"NumberConvert", "HexToInt(IN:\"F\"F\",OUT:X):0;", true},  // quotes of the older text

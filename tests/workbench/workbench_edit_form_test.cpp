@@ -211,12 +211,7 @@ TEST_F(WorkbenchTest, EditingALineKeepsItsMarkerAndWhatFollowsTheStatement)
         Click(d, "BT_OK");
     };
     const QString tcp = "TCP(Host := \"h\", Port := 2, Send := \"x\", Sentinel := [10], Result := R);";
-    const struct {
-        QString line;
-        const char* form;
-        std::function<void(QWidget&)> act;
-        QString edited;
-    } rows[] = {
+    const struct { QString line; const char* form; std::function<void(QWidget&)> act; QString edited; } rows[] = {
         {"TCP(Host := \"h\", Port := 1, Send := \"x\", Result := R); // Messgeraet", "TFormTCP", port, tcp + " // Messgeraet"},
         {"  TCP(Host := \"h\", Port := 1, Send := \"x\", Result := R);  Log(R)", "TFormTCP", port, "  " + tcp + "  Log(R)"},
         {"TCP(Host := \"(\", Port := 1, Send := \")\", Result := R) Log(R)", "TFormTCP", port,
@@ -308,11 +303,7 @@ TEST_F(WorkbenchTest, IfConditionsMayNameWhatIsDeclaredAtTheEditedLine)
         "end procedure\n"
         "if Grenze > 0 then\n"
         "end if";
-    const struct {
-        int line;
-        const char* condition;
-        bool accepted;
-    } rows[] = {
+    const struct { int line; const char* condition; bool accepted; } rows[] = {
         {4, "Kanal > Grenze and Wert > 2", true}, {4, "Antwort = \"ok\"", true}, {4, "Unbekannt > 1", false},
         {8, "Grenze > 2", true}, {8, "Kanal > 1", false},  // another procedure's parameter
         {11, "Grenze > 3", true}, {11, "Wert > 1", false},  // outside every procedure

@@ -50,12 +50,7 @@ TEST_F(WorkbenchTest, ScriptFilesKeepTheirEncodingAndLineEndsThroughOpenAndSave)
 {
     const QString text = "Log(\"Prüfung µs €\")\nLog(\"zwei\")\n";
     const QString crlf = QString(text).replace("\n", "\r\n");
-    const struct {
-        const char* name;
-        QByteArray bytes;
-        TTextEncoding encoding;
-        bool crlf;
-    } rows[] = {
+    const struct { const char* name; QByteArray bytes; TTextEncoding encoding; bool crlf; } rows[] = {
         {"cp1252-crlf", QByteArray("Log(\"Pr\xfc" "fung \xb5s \x80\")\r\nLog(\"zwei\")\r\n"), TTextEncoding::Windows1252, true},
         {"cp1252-lf", QByteArray("Log(\"Pr\xfc" "fung \xb5s \x80\")\nLog(\"zwei\")\n"), TTextEncoding::Windows1252, false},
         {"utf16le-crlf", Utf16(crlf, QStringEncoder::Utf16LE), TTextEncoding::Utf16LE, true},

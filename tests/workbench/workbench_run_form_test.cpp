@@ -92,11 +92,7 @@ TEST_F(WorkbenchTest, StopEndsEveryCommandsWaitWithin100Ms)
     const QByteArray path = qgetenv("PATH");
     qputenv("PATH", QFile::encodeName(folder.filePath("bin")) + ':' + path);
     const auto restorePath = qScopeGuard([&path] { qputenv("PATH", path); });
-    const struct {
-        const char* name;
-        QString script;
-        int line;
-    } rows[] = {
+    const struct { const char* name; QString script; int line; } rows[] = {
         {"TCP", QString("var R : String\nTCP(Host := \"127.0.0.1\", Port := %1, Send := \"x\", Result := R);\nLog(R)")
                     .arg(silentTcp.serverPort()), 2},
         {"CallNamedPipe", QString("var R : String\nCallNamedPipe(Name := \"\\\\.\\pipe\\%1\", Call := \"x\", Result := R);\nLog(R)")
@@ -282,13 +278,7 @@ TEST_F(WorkbenchTest, TextOutputAndTheLaborCommandsReachTheLaborWindow)
 
 TEST(RunLog, HostLinesBecomeEntriesWithLevelAndLine)
 {
-    struct Case {
-        const char* hostLine;
-        int runningLine;
-        int line;
-        const char* message;
-        TLogLevel level;
-    };
+    struct Case { const char* hostLine; int runningLine, line; const char* message; TLogLevel level; };
     const Case cases[] = {
         {"LOG Spannung 5", 7, 7, "Spannung 5", TLogLevel::Info},
         {"FEHLER a.dvs:12: Division durch 0", 3, 12, "a.dvs:12: Division durch 0", TLogLevel::Error},

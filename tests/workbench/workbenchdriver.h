@@ -98,10 +98,8 @@ protected:
     TMainWindow window;
 };
 
-struct TStopped {
-    qint64 ms = -1;  // from the stop request to the verdict; -1 when no verdict came
-    QString verdict;
-};
+// ms: from the stop request to the verdict; -1 when no verdict came.
+struct TStopped { qint64 ms = -1; QString verdict; };
 
 // Runs the window's script until line is the running line, lets the command there settle into
 // its wait, and then stops the run through stop (F5 and Shift+F5, or Stop()).

@@ -23,10 +23,7 @@ namespace {
 
 using namespace test;
 
-struct TEdited {
-    bool confirmed;
-    QString line;
-};
+struct TEdited { bool confirmed; QString line; };
 
 // Edits line through the command; act works the dialog named form and must close it.
 TEdited EditLine(TDVRunEdit& command, const QString& line, const QString& form, std::function<void(QWidget&)> act)
@@ -61,13 +58,7 @@ private:
     host::TScriptRun run_;
 };
 
-struct TTypedRow {
-    const char* line;
-    const char* typed;
-    const char* button;
-    const char* shown;
-    TEdited out;
-};
+struct TTypedRow { const char *line, *typed, *button, *shown; TEdited out; };
 
 // Edits each row's line through the command's dialog, typing into box.
 void EditRows(TDVRunEdit& command, const char* form, const char* box, std::initializer_list<TTypedRow> rows)

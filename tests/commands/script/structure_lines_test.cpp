@@ -47,12 +47,7 @@ TEST(IfConditionTest, CutsBetweenIfAndTwoCharactersBeforeThen)
 
 TEST(CaseLinesTest, ParseCaseReadsHeadOrBranchAndKeepsTheOtherText)
 {
-    const struct {
-        const char* line;
-        TCaseMode mode;
-        const char* selector;
-        const char* value;
-    } rows[] = {
+    const struct { const char* line; TCaseMode mode; const char *selector, *value; } rows[] = {
         {"case Modus of", TCaseMode::Head, "Modus", "alt"},
         {"CASE  a + 1  OF", TCaseMode::Head, "a + 1", "alt"},
         {"select 3:", TCaseMode::Branch, "Vorher", "3"},
@@ -97,12 +92,7 @@ protected:
 
 TEST_F(LoopLinesTest, ForHeadJoinsTheTokensOfEachBoundWithoutBlanks)
 {
-    const struct {
-        const char* line;
-        const char* name;
-        const char* start;
-        const char* end;
-    } rows[] = {
+    const struct { const char *line, *name, *start, *end; } rows[] = {
         {"for I := 1 to 10 do", "I", "1", "10"},
         {"for I := 1 to N - 1 do", "I", "1", "N-1"},
         {"FOR Zaehler := A [ 2 ] TO B * ( C + 1 ) DO", "Zaehler", "A[2]", "B*(C+1)"},

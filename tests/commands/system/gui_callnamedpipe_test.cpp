@@ -132,11 +132,7 @@ TEST_F(CallNamedPipeTest, OnlyAnEndpointFolderOfTheUserClosedToOthersIsTrusted)
         SendBytes(fd, "forged");
     });
     const QByteArray dir = QFile::encodeName(folder);
-    const struct {
-        const char* what;
-        mode_t mode;
-        uid_t owner;
-    } rows[] = {
+    const struct { const char* what; mode_t mode; uid_t owner; } rows[] = {
         {"writable by others", 0777, ::geteuid()},
         {"writable by its group", 0770, ::geteuid()},
         {"another user's", 0700, kOtherUser},  // only root can give a folder away

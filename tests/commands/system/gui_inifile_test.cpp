@@ -123,11 +123,7 @@ QByteArray Utf16(const char16_t* text, QStringEncoder::Encoding encoding)
 // becomes UTF-8.
 TEST_F(IniFileTest, FilesKeepTheirEncoding)
 {
-    const struct {
-        const char* name;
-        QByteArray before;
-        QByteArray after;  // once N is written as "€ü"
-    } rows[] = {
+    const struct { const char* name; QByteArray before, after; } rows[] = {  // after: once N is written as "€ü"
         {"UTF-16LE", Utf16(u"[S]\r\nK=Grüße\r\n", QStringEncoder::Utf16LE), Utf16(u"[S]\r\nK=Grüße\r\nN=€ü\r\n", QStringEncoder::Utf16LE)},
         {"UTF-16BE", Utf16(u"[S]\nK=Grüße\n", QStringEncoder::Utf16BE), Utf16(u"[S]\nK=Grüße\nN=€ü\n", QStringEncoder::Utf16BE)},
         {"Windows-1252", "[S]\nK=Gr\xFC\xDF" "e\n", "[S]\nK=Gr\xFC\xDF" "e\nN=\x80\xFC\n"},

@@ -79,10 +79,7 @@ TEST_F(ArrayStringTest, StrToArrayFillsTheEmptiedArrayInPlaceOrRaisesForWrongTar
 // Through the real host, which hands Arr as its printed text with the evaluated array attached.
 TEST(ArrayToStrInAScript, JoinsTheArrayTheHostHandsOver)
 {
-    const struct {
-        const char* lines;  // leave the result in S
-        const char* expected;
-    } rows[] = {
+    const struct { const char *lines, *expected; } rows[] = {  // the lines leave the result in S
         {"var A : Array of String\nStrToArray(\"123\", A)\nArrayToStr(S, A)", "123"},
         {"var A : Array of Number\nStrToArray(\"123\", A)\nArrayToStr(S, A)", "123"},
         {"var A : Array of String\nStrToArray(\"{a}}{\", A)\nArrayToStr(S, A)", "{a}}{"},
