@@ -278,15 +278,14 @@ TEST_F(WorkbenchTest, TextOutputAndTheLaborCommandsReachTheLaborWindow)
 
 TEST(RunLog, HostLinesBecomeEntriesWithLevelAndLine)
 {
-    struct Case { const char* hostLine; int runningLine, line; const char* message; TLogLevel level; };
-    const Case cases[] = {
+    const struct { const char* hostLine; int runningLine, line; const char* message; TLogLevel level; } cases[] = {
         {"LOG Spannung 5", 7, 7, "Spannung 5", TLogLevel::Info},
         {"FEHLER a.dvs:12: Division durch 0", 3, 12, "a.dvs:12: Division durch 0", TLogLevel::Error},
         {"PRÜFUNG FEHLGESCHLAGEN Zeile 4: zu klein", 9, 4, "PRÜFUNG FEHLGESCHLAGEN Zeile 4: zu klein", TLogLevel::Error},
         {"WARN Datei fehlt", 2, 2, "Datei fehlt", TLogLevel::Warning},
         {"STATUS bereit", 1, 1, "STATUS bereit", TLogLevel::Info},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         const TLogEntry e = MakeLogEntry(QString::fromUtf8(c.hostLine), c.runningLine);
         EXPECT_EQ(e.line, c.line) << c.hostLine;
         EXPECT_EQ(e.message, QString::fromUtf8(c.message)) << c.hostLine;

@@ -50,8 +50,7 @@ TEST_F(TextOutTest, RunDropsNulCharactersIgnoresFormFeedAndRejectsSizeOrColourTh
 
 TEST_F(TextOutTest, OlderLinesDecodeIntoAListThatReadsBackAndRuns)
 {
-    struct Row { const char* line; test::TParamRows expected; std::tuple<QString, QString, int, int, int> call; };
-    const Row rows[] = {
+    const struct { const char* line; test::TParamRows expected; std::tuple<QString, QString, int, int, int> call; } rows[] = {
         // The text keeps its case; the rest is read from the upper-cased line. The run strips the quotes.
         {"TextOut([OUT:Hi][FONT:Sans:12:bold][COL:255][formfeed]);",
          {{"Text", "Hi"}, {"Font", "\"SANS\""}, {"FontSize", "12"}, {"FontColor", "255"}, {"FontStyle", "\"BOLD\""}, {"FormFeed", "True"}},
@@ -61,7 +60,7 @@ TEST_F(TextOutTest, OlderLinesDecodeIntoAListThatReadsBackAndRuns)
          {{"Text", "Hallo"}, {"Font", "\"\""}, {"FontSize", "10"}, {"FontColor", "0"}, {"FontStyle", "\"Arial\""}, {"FormFeed", "False"}},
          {"Hallo", "", 10, 0, 0}},
     };
-    for (const Row& r : rows) {
+    for (const auto& r : rows) {
         TParamList params;
         ASSERT_TRUE(command.DecodeScript(r.line, params, nullptr));
         EXPECT_EQ(params, MakeParams(r.expected));

@@ -50,8 +50,7 @@ TEST_F(SysUtilsRunTest, FileOperations)
     const QString sub = dir.filePath("sub");
     const QString copy = dir.filePath("copy.bin");
     WriteFile(copy, "old");  // FileCopy overwrites
-    struct Row { const char* command; QString fileName, expected, target = {}; };
-    const Row rows[] = {
+    const struct { const char* command; QString fileName, expected, target = {}; } rows[] = {
         {"FileExist", file, "True"},           {"FileExist", dir.path(), "False"},   {"FileExist", file + ".no", "False"},
         {"FileSize", file, "1234"},            {"DirectoryExists", dir.path(), "True"},
         {"DirectoryExists", file, "False"},    {"GetFilePath", "/x/y/z.ini", "/x/y/"},
@@ -63,7 +62,7 @@ TEST_F(SysUtilsRunTest, FileOperations)
         {"FileInUse", file + ".no", "False"},  {"FileDate", file + ".no", "<none>"},  // the variable stays as it was
         {"FindWindow", "Kein Fenster dieses Namens", "0"},  {"DestroyWindow", "12345", "False"},
     };
-    for (const Row& r : rows) EXPECT_EQ(Run(r.command, r.fileName, r.target), r.expected) << r.command << r.fileName.toStdString();
+    for (const auto& r : rows) EXPECT_EQ(Run(r.command, r.fileName, r.target), r.expected) << r.command << r.fileName.toStdString();
     EXPECT_TRUE(QFileInfo(sub).isDir());
     EXPECT_TRUE(FailureOf([&] { Run("DestroyWindow", "Fenster"); }).contains("Fenster"));  // strict integer conversion
 }

@@ -31,8 +31,7 @@ protected:
 
 TEST_F(StringBearbeitungTest, StepsGiveTheirResultAndKindOrRaiseAndWriteNothing)
 {
-    struct Row { const char* input; TParamRows switches; const char* expected; };
-    const Row rows[] = {
+    const struct { const char* input; TParamRows switches; const char* expected; } rows[] = {
         {"Hallo Welt", {{"UpperCase", "True"}}, "S:HALLO WELT"}, {"Hallo Welt", {{"Search", "Welt"}}, "N:7"},
         {"Hallo Welt", {{"StrLen", "True"}}, "N:10"}, {"42", {{"Convert", "True"}}, "N:42"},
         // Each step sees the result of the ones before: search runs on the upper-cased text.
@@ -61,7 +60,7 @@ TEST_F(StringBearbeitungTest, StepsGiveTheirResultAndKindOrRaiseAndWriteNothing)
         {"a;b", {{"Segment", "True"}, {"Separator", ";"}, {"Part", "zwei"}}, "!zwei"},
         {"abc", {{"Replace", "True"}, {"ReplacePos", "p"}, {"ReplaceWith", "X"}}, "!\"p\""},
     };
-    for (const Row& r : rows) {
+    for (const auto& r : rows) {
         const QString got = RunWith(r.input, r.switches), expected = QString::fromUtf8(r.expected);
         if (!expected.startsWith('!')) {
             EXPECT_EQ(got, expected) << r.input;
@@ -74,8 +73,7 @@ TEST_F(StringBearbeitungTest, StepsGiveTheirResultAndKindOrRaiseAndWriteNothing)
 
 TEST_F(StringBearbeitungTest, FormatStrLinesDecodeIntoAListThatReadsBack)
 {
-    struct Row { const char* line; TParamRows expected; };
-    const Row rows[] = {
+    const struct { const char* line; TParamRows expected; } rows[] = {
         // Cut is written as -1 or 0, unlike every other boolean.
         {"FormatStr(IN:ab,CUT:RIGHT:P1:0:L:2,OUT:R);", {{"Input", "ab"}, {"Output", "R"}, {"Cut", "-1"}, {"FragPos", "\"Right\""}}},
         {"FormatStr(DEL:MID:P1:2:L:3,);", {{"Fragment", "True"}, {"Cut", "0"}, {"FragPos", "\"Center\""}, {"Pos", "2"}, {"Length", "3"}}},
@@ -90,7 +88,7 @@ TEST_F(StringBearbeitungTest, FormatStrLinesDecodeIntoAListThatReadsBack)
         // The older keyword for the length is spelt LENGHT; the correct spelling means nothing.
         {"FormatStr(IN:abc,LENGHT,OUT:R);", {{"StrLen", "True"}}}, {"FormatStr(IN:abc,LENGTH,OUT:R);", {{"StrLen", "False"}}},
     };
-    for (const Row& r : rows) {
+    for (const auto& r : rows) {
         TParamList params;
         ASSERT_TRUE(command.DecodeScript(r.line, params, nullptr)) << r.line;
         for (const auto& [name, text] : r.expected) EXPECT_EQ(params.GetString(name), QString::fromUtf8(text)) << r.line << " " << name;
