@@ -1,9 +1,16 @@
+// The operator dialog commands and the text output without a GUI: MeldungsBox, OpenSaveDlg and
+// StatusText answered headless, TextOut's styles, and their older lines.
 #include "commands/dialogs/gui_meldungsbox.h"
+#include "commands/dialogs/gui_opensavedlg.h"
+#include "commands/dialogs/gui_statustext.h"
+#include "commands/dialogs/gui_textout.h"
 #include "framework/headless.h"
 #include "tests/commands/params.h"
 #include "tests/support/testhost.h"
 
 #include <gtest/gtest.h>
+
+#include <tuple>
 
 namespace dv {
 namespace {
@@ -159,6 +166,156 @@ TEST_F(MeldungsBoxTest, HeadlessAnswersGiveTheResultTextAndStopOnAbbrechen)
         EXPECT_EQ(host.stopCalls, r.stops) << r.expected << " " << r.buttons;
     }
     SetHeadlessAnswers({});
+}
+
+struct HeadlessAnswers {
+    explicit HeadlessAnswers(const QStringList& answers) { SetHeadlessAnswers(answers); }
+    ~HeadlessAnswers() { SetHeadlessAnswers({}); }
+};
+
+TEST(OpenSaveDlgTest, HeadlessAnswerWritesTheVariableAndAbbrechenWritesNothing)
+{
+    const struct { const char *answer, *extension, *expected; } rows[] = {
+        {"/daten/messung.csv", "", "/daten/messung.csv"},
+        {"/daten/messung", ".csv", "/daten/messung.csv"},  // the default extension, as the dialog appends it
+        {"/daten/messung.txt", "csv", "/daten/messung.txt"},
+        {"Abbrechen", "csv", "vorher.csv"},
+        {"ABBRECHEN", "", "vorher.csv"},
+    };
+    for (const auto& r : rows) {
+        TTestHost host;
+        host.Declare("Datei", g_StringType);
+        host.SetVariable("Datei", std::make_unique<TStringValue>("vorher.csv"));
+        host.setVariableCalls.clear();
+        TDVCmdOpenSave command(&host);
+        HeadlessAnswers answers({QStringLiteral("OpenSaveDlg=") + r.answer});
+        TParamList params = MakeParams({{"OpenDlg", "False"}, {"FileName", "Datei"}, {"Extension", r.extension}});
+        command.Run(params);
+        EXPECT_EQ(host.ValueText("Datei"), r.expected) << r.answer;
+        EXPECT_EQ(host.setVariableCalls.size(), QString(r.expected) == "vorher.csv" ? 0 : 1) << r.answer;
+    }
+}
+
+TEST(OpenSaveDlgTest, EmptyVariableWritesNothingAndBadCallsFailBeforeAnyDialog)
+{
+    TTestHost host;
+    host.Declare("Zahl", g_NumberType);
+    TDVCmdOpenSave command(&host);
+    {
+        HeadlessAnswers answers({"OpenSaveDlg=/daten/a.csv"});
+        TParamList params = MakeParams({{"OpenDlg", "True"}, {"FileName", ""}});
+        command.Run(params);
+        EXPECT_TRUE(host.setVariableCalls.isEmpty());
+    }
+    const struct { const char* variable; QStringList answers; const char* expectedPart; } rows[] = {
+        {"Unbekannt", {"OpenSaveDlg=/daten/a.csv"}, "\"Unbekannt\" wurde nicht als Variable deklariert"},
+        {"Zahl", {"OpenSaveDlg=/daten/a.csv"}, "OpenSaveDlg: FileName: die Variable \"Zahl\" vom Typ Number"},
+        {"", {}, "dvrun --answer OpenSaveDlg="},
+    };
+    for (const auto& r : rows) {
+        HeadlessAnswers answers(r.answers);
+        TParamList params = MakeParams({{"OpenDlg", "True"}, {"FileName", r.variable}});
+        const QString failure = RaisedMessage<TDravikException>([&] { command.Run(params); }).value_or("ran");
+        EXPECT_TRUE(failure.contains(QString::fromUtf8(r.expectedPart))) << failure.toStdString();
+    }
+    EXPECT_TRUE(host.setVariableCalls.isEmpty());
+}
+
+TEST(OpenSaveDlgTest, OlderLineAndReadBack)
+{
+    TTestHost host;
+    TDVCmdOpenSave command(&host);
+    const struct { const char* line; TParamRows expected; } rows[] = {
+        {"OpenSaveDlg(OPEN_DIALOG,[FILE:Datei][DIR:/daten][CAP:Messung laden][EXT:csv]);",
+         {{"OpenDlg", "True"}, {"FileName", "Datei"}, {"InitDir", "\"/daten\""}, {"Caption", "\"Messung laden\""},
+          {"Extension", "\"csv\""}}},
+        {"OpenSaveDlg(SAVE_DIALOG,[FILE:Ziel]);",
+         {{"OpenDlg", "False"}, {"FileName", "Ziel"}, {"InitDir", "\"\""}, {"Caption", "\"\""}, {"Extension", "\"\""}}},
+    };
+    for (const auto& r : rows) {
+        TParamList params;
+        EXPECT_TRUE(command.DecodeScript(QString::fromUtf8(r.line), params, nullptr));
+        EXPECT_EQ(params, MakeParams(r.expected)) << r.line;
+        EXPECT_EQ(ReadBack(command, params), params) << r.line;
+    }
+}
+
+TEST(StatusTextTest, RunHandsTheTextToTheHostAndOlderLinesKeepParentheses)
+{
+    TTestHost host;
+    TDVCmdStatusBar command(&host);
+    TParamList params;
+    EXPECT_TRUE(command.DecodeScript("StatusBar(Spannung (in V) messen);", params, nullptr));
+    EXPECT_EQ(params, MakeParams({{"Text", "Spannung (in V) messen"}}));
+    command.Run(params);
+    EXPECT_EQ(command.OnEditorTest(), "Spannung (in V) messen");
+    EXPECT_EQ(host.statusTexts, (QStringList{"Spannung (in V) messen", "Spannung (in V) messen"}));
+    EXPECT_EQ(StatusBarLine("Bereit"), "StatusBar(Bereit);");
+    EXPECT_EQ(StatusBarLine(""), "");
+    command.SetDefaults();
+    TParamList defaults;
+    command.ReadParams(defaults);
+    EXPECT_EQ(defaults, MakeParams({{"Text", ""}}));
+}
+
+TEST(TextOutStyleTest, StyleWordsInAnyCaseGiveBitsAndTheFontButtonsWordsReadBack)
+{
+    const std::pair<const char*, int> rows[] = {{"underline strikeout", 12}, {"Bold Italic", 3}, {"Arial", 0}, {"xboldx", 1}};
+    for (const auto& [style, bits] : rows) EXPECT_EQ(StyleBits(style), bits) << style;
+    for (int mask = 0; mask < 16; ++mask) EXPECT_EQ(StyleBits(BuildStyleText(mask & 1, mask & 2, mask & 4, mask & 8)), mask);
+}
+
+class TextOutTest : public ::testing::Test {
+protected:
+    // The output call's text, font, size, style bits and colour.
+    static auto Call(const TOutputLine& l) { return std::tuple(l.text, l.font, l.size, l.style, l.color); }
+
+    TTestHost host;
+    TDVCmdTextOut command{&host};
+};
+
+TEST_F(TextOutTest, RunDropsNulCharactersIgnoresFormFeedAndRejectsSizeOrColourThatIsNoInteger)
+{
+    for (const char* formFeed : {"False", "True"}) {
+        TParamList params = MakeParams({{"FormFeed", formFeed}});
+        params.AddString("Text", QString("a") + QChar(0) + "b" + QChar(0));
+        command.Run(params);
+    }
+    EXPECT_TRUE(command.Fields().formFeed);
+    ASSERT_EQ(host.output.size(), 2u);
+    EXPECT_EQ(Call(host.output[0]), std::tuple(QString("ab"), QString(""), 10, 0, 0));  // no font: an empty name
+    EXPECT_EQ(Call(host.output[1]), Call(host.output[0]));
+    const std::tuple<const char*, const char*, const char*> rows[] = {
+        {"zwölf", "0", "FontSize: \"zwölf\""}, {"12", "rot", "FontColor: \"rot\""}, {"12.5", "0", "FontSize: \"12.5\""}};
+    for (const auto& [size, colour, messagePart] : rows) {
+        TParamList params = MakeParams({{"Text", "x"}, {"FontSize", size}, {"FontColor", colour}});
+        const QString message = RaisedMessage([&] { command.Run(params); }).value_or("");
+        EXPECT_TRUE(message.contains(QString::fromUtf8(messagePart))) << message.toStdString();
+    }
+    EXPECT_EQ(host.output.size(), 2u);
+}
+
+TEST_F(TextOutTest, OlderLinesDecodeIntoAListThatReadsBackAndRuns)
+{
+    const struct { const char* line; TParamRows expected; std::tuple<QString, QString, int, int, int> call; } rows[] = {
+        // The text keeps its case; the rest is read from the upper-cased line. The run strips the quotes.
+        {"TextOut([OUT:Hi][FONT:Sans:12:bold][COL:255][formfeed]);",
+         {{"Text", "Hi"}, {"Font", "\"SANS\""}, {"FontSize", "12"}, {"FontColor", "255"}, {"FontStyle", "\"BOLD\""}, {"FormFeed", "True"}},
+         {"Hi", "SANS", 12, 1, 255}},
+        // Without a font the default font name lands in the style, where it sets no style bit.
+        {"TextOut([OUT:Hallo]);",
+         {{"Text", "Hallo"}, {"Font", "\"\""}, {"FontSize", "10"}, {"FontColor", "0"}, {"FontStyle", "\"Arial\""}, {"FormFeed", "False"}},
+         {"Hallo", "", 10, 0, 0}},
+    };
+    for (const auto& r : rows) {
+        TParamList params;
+        ASSERT_TRUE(command.DecodeScript(r.line, params, nullptr));
+        EXPECT_EQ(params, MakeParams(r.expected));
+        EXPECT_EQ(ReadBack(command, params), params);
+        command.Run(params);
+        EXPECT_EQ(Call(host.output.back()), r.call) << r.line;
+    }
+    EXPECT_EQ(command.GetDescription("TextOut", MakeParams({{"Text", "Messung"}})), "Textausgabe: Messung");
 }
 
 }  // namespace
