@@ -28,15 +28,7 @@ using namespace std::chrono_literals;
 
 constexpr qsizetype kMiB = 1024 * 1024;
 
-QByteArray Get(const QUrl& url, const QByteArray& path, const QByteArray& host = {})
-{
-    return GetRequest(url.port(), path, host);
-}
-
-QByteArray Post(const QUrl& url, const QByteArray& body)
-{
-    return PostRequest(url.port(), url.path(QUrl::FullyEncoded).toUtf8(), body);
-}
+QByteArray Post(const QUrl& url, const QByteArray& body) { return PostRequest(url.port(), url.path(QUrl::FullyEncoded).toUtf8(), body); }
 
 // Shows File through FormShow; the message of what it raised, or "".
 QString Show(TDVParser& parser, const QString& file)
@@ -73,11 +65,7 @@ protected:
     {
         return std::async(std::launch::async, [this, params = MakeParams(rows)]() mutable {
             TDVCmdFormResult result(&host);
-            try {
-                result.RunThreaded(params);
-            } catch (const TDravikException& e) {
-                failure = e.Message();
-            }
+            failure = RaisedMessage<TDravikException>([&] { result.RunThreaded(params); }).value_or(failure);
         });
     }
     // Waits for a FormResult started by StartResult; one that still waits after 10 s is stopped so
@@ -102,21 +90,22 @@ protected:
 
 TEST_F(FormTest, ServesOnlyTheFormsFolderToThisHostUnderItsToken)
 {
-    const QByteArray token = ShownForm()->Token().toUtf8();
+    const QByteArray token = ShownForm()->Token().toUtf8(), path = url.path().toUtf8();
+    const int port = url.port();
     EXPECT_EQ(url.host(), "127.0.0.1");
     EXPECT_TRUE(url.path().endsWith("/eingabe.html"));
     const std::pair<QByteArray, int> rows[] = {
-        {Get(url, url.path().toUtf8()), 200},
-        {Get(url, "/" + token + "/stil.css"), 200},
-        {Get(url, "/" + token + "/../geheim.txt"), 403},
-        {Get(url, "/" + token + "/%2e%2e/geheim.txt"), 403},
-        {Get(url, "/" + token + "x/eingabe.html"), 404},
-        {Get(url, "/eingabe.html"), 404},
-        {Get(url, "/" + token + "/fehlt.html"), 404},
-        {Get(url, url.path().toUtf8(), "fremd.example:80"), 403},
+        {GetRequest(port, path), 200},
+        {GetRequest(port, "/" + token + "/stil.css"), 200},
+        {GetRequest(port, "/" + token + "/../geheim.txt"), 403},
+        {GetRequest(port, "/" + token + "/%2e%2e/geheim.txt"), 403},
+        {GetRequest(port, "/" + token + "x/eingabe.html"), 404},
+        {GetRequest(port, "/eingabe.html"), 404},
+        {GetRequest(port, "/" + token + "/fehlt.html"), 404},
+        {GetRequest(port, path, "fremd.example:80"), 403},
     };
-    for (const auto& [request, status] : rows) EXPECT_EQ(Http(url.port(), request).status, status) << request.left(80).toStdString();
-    EXPECT_EQ(Http(url.port(), Get(url, url.path().toUtf8())).body, "<form method=post><input name=Name></form>");
+    for (const auto& [request, status] : rows) EXPECT_EQ(Http(port, request).status, status) << request.left(80).toStdString();
+    EXPECT_EQ(Http(port, GetRequest(port, path)).body, "<form method=post><input name=Name></form>");
 }
 
 // 1 MiB of body is the most a form takes. A larger one is refused by its Content-Length before any
@@ -153,7 +142,7 @@ TEST_F(FormTest, PostAndGetSubmissionsReachResultUrlEncoded)
     EXPECT_EQ(host.ValueText("Antwort"), "Name=Anna%20M%C3%BCller&Ort=K%C3%B6ln%26Bonn");
 
     ASSERT_TRUE(ShownForm()) << "Close False keeps the form";
-    EXPECT_EQ(Http(url.port(), Get(url, url.path().toUtf8() + "?Name=Ben&Alter=42")).status, 200);
+    EXPECT_EQ(Http(url.port(), GetRequest(url.port(), url.path().toUtf8() + "?Name=Ben&Alter=42")).status, 200);
     TDVCmdFormResult result(&host);
     TParamList params = MakeParams({{"Result", "Antwort"}, {"Timeout", "5000"}});
     result.RunThreaded(params);
