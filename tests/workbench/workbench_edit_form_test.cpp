@@ -1,5 +1,5 @@
-// The workbench's editor driven through its widgets: calls and structure blocks written and
-// re-edited through the commands' dialogs, the palette, tooltips, syntax marks, find and replace,
+// The workbench's editor driven through its widgets: calls, structure blocks and scope lines written
+// and re-edited through the commands' dialogs, the palette, tooltips, syntax marks, find and replace,
 // and the older lines converted.
 #include "framework/catalogue.h"
 #include "framework/registry.h"
@@ -11,6 +11,7 @@
 #include "workbench/palette.h"
 #include "workbench/scripteditor.h"
 
+#include <QComboBox>
 #include <QCompleter>
 #include <QDialog>
 #include <QHelpEvent>
@@ -27,6 +28,7 @@ namespace dv::workbench {
 namespace {
 
 using dv::test::Click;
+using dv::test::Find;
 using dv::test::OnModal;
 using dv::test::Type;
 using test::ReadText;
@@ -35,14 +37,14 @@ using test::WorkbenchTest;
 
 TEST_F(WorkbenchTest, PaletteInsertsATcpCallWrittenFromItsDialogWithNamedArguments)
 {
-    SetScript("var Antwort : String\n\nLog(Antwort)");
-    window.Editor().GoToLine(2);
+    SetScript("var Spannung : Number\nvar Kurve : Array of Number\nvar Antwort : String\n\nLog(Antwort)");
+    window.Editor().GoToLine(4);
     QStringList offered;
     InsertFromPalette("TCP", "TFormTCP", [&offered](QWidget& d) {
-        const QCompleter* completer = dv::test::Find<QLineEdit>(d, "DVEdit_Result").completer();
-        if (const auto* names = completer ? qobject_cast<QStringListModel*>(completer->model()) : nullptr) {
-            offered = names->stringList();
-        }
+        // A completer that is no case-insensitive list of names offers nothing.
+        const QCompleter* completer = Find<QLineEdit>(d, "DVEdit_Result").completer();
+        const auto* names = completer ? qobject_cast<QStringListModel*>(completer->model()) : nullptr;
+        if (names && completer->caseSensitivity() == Qt::CaseInsensitive) offered = names->stringList();
         Type(d, "DVEdit_Host", "\"127.0.0.1\"");
         Type(d, "DVEdit_Port", "5000");
         Type(d, "DVEdit_Send", "\"PING\"");
@@ -50,10 +52,10 @@ TEST_F(WorkbenchTest, PaletteInsertsATcpCallWrittenFromItsDialogWithNamedArgumen
         Click(d, "BT_OK");
     });
     // The untouched sentinel keeps its default; as it is not trailing, it is written out.
-    EXPECT_EQ(window.Editor().LineText(2),
+    EXPECT_EQ(window.Editor().LineText(4),
               "TCP(Host := \"127.0.0.1\", Port := 5000, Send := \"PING\", Sentinel := [10], Result := Antwort);");
-    EXPECT_EQ(window.Editor().LineText(3), "Log(Antwort)");
-    EXPECT_EQ(offered, QStringList({"PROJEKTPFAD", "Antwort"})) << "the dialog offers the declared variables";
+    EXPECT_EQ(window.Editor().LineText(5), "Log(Antwort)");
+    EXPECT_EQ(offered, QStringList({"PROJEKTPFAD", "Spannung", "Kurve", "Antwort"})) << "the dialog offers the declared variables";
     window.Editor().CheckNow();
     EXPECT_TRUE(window.Editor().LastCheck().errors.empty()) << "the written line must read back as a call";
 }
@@ -111,7 +113,7 @@ TEST_F(WorkbenchTest, EditingALineAndCancellingChangesNothingWhileOkRewritesItIn
     SetScript("var Antwort : String\n" + line);
     window.Editor().GoToLine(2);
     OnModal("TFormTCP", [](QWidget& d) {
-        EXPECT_EQ(dv::test::Find<QLineEdit>(d, "DVEdit_Host").text(), "\"h\"");
+        EXPECT_EQ(Find<QLineEdit>(d, "DVEdit_Host").text(), "\"h\"");
         Type(d, "DVEdit_Port", "99");
         static_cast<QDialog&>(d).reject();
     });
@@ -218,7 +220,7 @@ TEST_F(WorkbenchTest, EditingALineKeepsItsMarkerAndWhatFollowsTheStatement)
          "TCP(Host := \"(\", Port := 2, Send := \")\", Sentinel := [10], Result := R); Log(R)"},
         {"  93:until N >= 3;", "TDVGUILoop",
          [](QWidget& d) {
-             EXPECT_EQ(dv::test::Find<QLineEdit>(d, "Edit_RepeatCondition").text(), "N >= 3");
+             EXPECT_EQ(Find<QLineEdit>(d, "Edit_RepeatCondition").text(), "N >= 3");
              Type(d, "Edit_RepeatCondition", "N >= 4");
              Click(d, "BT_OK");
          },
@@ -252,10 +254,7 @@ TEST_F(WorkbenchTest, EndAndRepeatLinesOfLoopsAnswerWithTheLoopsMessage)
         SetScript(QString("var R : String\nvar N : Number\n") + line);
         window.Editor().GoToLine(3);
         QString shown;
-        OnModal("MessageDlg", [&shown](QWidget& box) {
-            shown = static_cast<QMessageBox&>(box).text();
-            static_cast<QMessageBox&>(box).accept();
-        });
+        dv::test::OnMessage("MessageDlg", &shown);
         EXPECT_FALSE(window.EditCurrentLine()) << line;
         EXPECT_EQ(shown, message) << line;
         EXPECT_EQ(window.Editor().LineText(3), line);
@@ -270,7 +269,7 @@ TEST_F(WorkbenchTest, IfHeadIsEditedInPlaceThroughItsDialogAndCancelLeavesTheScr
     const QRect head = window.Editor().cursorRect(QTextCursor(window.Editor().document()->findBlockByNumber(2)));
     QString shown;
     OnModal("TIfThenElse", [&shown](QWidget& d) {
-        shown = dv::test::Find<QLineEdit>(d, "Edit_Vergleich1").text();
+        shown = Find<QLineEdit>(d, "Edit_Vergleich1").text();
         Type(d, "Edit_Vergleich1", "A > 5");
         Click(d, "BT_Cancel");
     });
@@ -379,7 +378,7 @@ TEST_F(WorkbenchTest, OlderLinesAreConvertedAsDvrunConvertsThemAfterThePreviewAn
     const QString original = window.Editor().toPlainText();
     int listed = 0;
     OnModal("ConvertPreview", [&](QWidget& d) {
-        listed = dv::test::Find<QTreeWidget>(d, "Changes").topLevelItemCount();
+        listed = Find<QTreeWidget>(d, "Changes").topLevelItemCount();
         static_cast<QDialog&>(d).reject();
     });
     EXPECT_FALSE(window.ConvertOlderLines());
@@ -430,6 +429,78 @@ TEST(ScriptHighlighter, ColoursWhatTheTokenizerReads)
         EXPECT_EQ(colourAt(position), colour(style)) << position;
     }
     EXPECT_NE(colourAt(6), colour(TTokenStyle::Command));  // X
+}
+
+// Scope lines: written from the palette through the scope editor and run, and re-edited with F2,
+// where an unchanged editor gives back the same line.
+// F2 on the line; act works the scope editor and closes it.
+bool EditScopeLine(TMainWindow& window, int line, std::function<void(QWidget&)> act)
+{
+    window.Editor().GoToLine(line);
+    OnModal("TFormScope", std::move(act));
+    return window.EditCurrentLine();
+}
+
+TEST_F(WorkbenchTest, PaletteWritesAScopeCallThatRuns)
+{
+    SetScript("var A : Array of Number\nvar M : Number\nA[1] := 2\nA[2] := 4\nA[3] := 6\n");
+    window.Editor().GoToLine(6);
+    bool offersVariables = false;
+    InsertFromPalette("Scope", "TFormScope", [&offersVariables](QWidget& w) {
+        EXPECT_FALSE(Find<QCheckBox>(w, "CB_EN_Curve1").isChecked()) << "a new call opens on an empty editor";
+        EXPECT_EQ(Find<QComboBox>(w, "FuncSelect").currentIndex(), 0);
+        offersVariables = Find<QLineEdit>(w, "Edit_Result").completer() != nullptr;
+        OnModal("TScopeSource", [](QWidget& d) {
+            Click(d, "RB_Array");
+            Type(d, "Edit_Array", "A");
+            Type(d, "Edit_Array_Y", "1");
+            Click(d, "BT_OK");
+        });
+        Click(w, "BT_Source1");
+        Find<QComboBox>(w, "FuncSelect").setCurrentIndex(9);  // "x/y-Abfrage"
+        Find<QComboBox>(w, "CB_FxChoice1").setCurrentIndex(1);  // search by "Y"
+        Type(w, "Edit_FxParam1", "1");
+        Type(w, "Edit_Result", "M");
+        Click(w, "RB_HideScope");
+        Click(w, "BT_OK");
+    });
+    EXPECT_EQ(window.Editor().LineText(6), "Scope(Command := \"[HIDE],1:[ARRAY:A,FREQ:1],[FX:QUERY:1:2:1],[OUT:M]\", Special := \"\");");
+    EXPECT_TRUE(offersVariables);
+
+    RunToEnd();
+    // The curve's Y at X = 1 is the second element.
+    EXPECT_EQ(VariableValue("M"), "Number 4");
+}
+
+TEST_F(WorkbenchTest, F2OnAScopeLineGivesBackTheSameLineAndWritesWhatWasChanged)
+{
+    // A string literal whose source holds a quoted file name, with scaling in Special.
+    const QString literal = "Scope(Command := \"[SETSCALE],[HIDE],1:[FILE:\"\"/tmp/a b.txt\"\",SEP:59],[FX:MID:1],[OUT:M]\", "
+                            "Special := \"[SETSCALE:18:9:0:0:0:270]\");";
+    // An expression: the pieces between the tags stay as they were written.
+    const QString expression = "  Scope(Command := \"[CLR],1:[\" + Quelle + \"],[FX:MID:1],[OUT:M]\", Special := \"\");";
+    SetScript("var Quelle : String\nvar M : Number\n" + literal + '\n' + expression);
+
+    EXPECT_TRUE(EditScopeLine(window, 3, [](QWidget& w) {
+        EXPECT_EQ(Find<QLineEdit>(w, "Edit_Curve1").text(), "FILE:\"/tmp/a b.txt\",SEP:59");
+        Click(w, "BT_OK");
+    }));
+    EXPECT_EQ(window.Editor().LineText(3), literal);
+
+    EXPECT_FALSE(EditScopeLine(window, 4, [](QWidget& w) {
+        Type(w, "Edit_Result", "N");
+        Click(w, "BT_Cancel");
+    }));
+    EXPECT_EQ(window.Editor().LineText(4), expression);
+
+    EXPECT_TRUE(EditScopeLine(window, 4, [](QWidget& w) {
+        EXPECT_EQ(Find<QLineEdit>(w, "Edit_Curve1").text(), "\" + Quelle + \"");
+        Type(w, "Edit_Result", "N");
+        Click(w, "BT_OK");
+    }));
+    EXPECT_EQ(window.Editor().LineText(4), "  Scope(Command := \"[CLR],1:[\" + Quelle + \"],[FX:MID:1],[OUT:N]\", Special := \"\");");
+    window.Editor().CheckNow();
+    EXPECT_TRUE(window.Editor().LastCheck().errors.empty()) << "the written lines read back as calls";
 }
 
 }  // namespace

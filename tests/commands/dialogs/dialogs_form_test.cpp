@@ -265,10 +265,7 @@ TEST(StatusleisteFormTest, OkCopiesTheEditAndTheTestHandlerShowsErgebnis)
     }
     TStatusleiste dialog(command);
     QString shown;
-    OnModal("Ergebnis", [&](QWidget& box) {
-        shown = static_cast<QMessageBox&>(box).text();
-        static_cast<QMessageBox&>(box).accept();
-    });
+    OnMessage("Ergebnis", &shown);
     Find<QLineEdit>(dialog, "Edit_Statustext").setText("Prüfung 3");
     EXPECT_EQ(dialog.BT_TestClick(), "Ergebnis = Prüfung 3");
     EXPECT_EQ(shown, "Ergebnis = Prüfung 3");
