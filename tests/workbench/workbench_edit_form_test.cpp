@@ -62,18 +62,14 @@ TEST_F(WorkbenchTest, PaletteInsertsATcpCallWrittenFromItsDialogWithNamedArgumen
 
 TEST_F(WorkbenchTest, PaletteListsEveryCatalogueRowUnderItsSubsystem)
 {
+    const QStringList names{"Text", "Struktur", "System", "Dialoge", "Scope", "Bild", "Labor"};  // in the subsystems' order
     QStringList groups;
     for (int i = 0; i < window.Palette().topLevelItemCount(); ++i) groups << window.Palette().topLevelItem(i)->text(0);
-    EXPECT_EQ(groups, QStringList({"Text", "Struktur", "System", "Dialoge", "Scope", "Bild", "Labor"}));
-    const std::pair<const char*, const char*> placed[] = {
-        {"ArrayToStr", "Text"}, {"(loop)", "Struktur"}, {"(comment)", "Struktur"}, {"TCP", "System"},
-        {"MeldungsBox", "Dialoge"}, {"FormResult", "Dialoge"}, {"Scope", "Scope"}, {"ImageCapture", "Bild"},
-        {"ShowLabor", "Labor"},
-    };
-    for (const auto& [procedure, group] : placed) {
-        const QTreeWidgetItem* item = window.Palette().ItemOf(procedure);
-        ASSERT_TRUE(item && item->parent()) << procedure;
-        EXPECT_EQ(item->parent()->text(0), group) << procedure;
+    EXPECT_EQ(groups, names);
+    for (const dv::TCatalogueRow& row : dv::Catalogue()) {
+        const QTreeWidgetItem* item = window.Palette().ItemOf(row.procedure);
+        ASSERT_TRUE(item && item->parent()) << row.procedure;
+        EXPECT_EQ(item->parent()->text(0), names.value(static_cast<int>(row.group))) << row.procedure;
     }
     int rows = 0;
     for (int i = 0; i < window.Palette().topLevelItemCount(); ++i) rows += window.Palette().topLevelItem(i)->childCount();
@@ -139,14 +135,15 @@ void TypeBelow(TScriptEditor& editor, int line, const QString& text)
     QTest::keyClicks(&editor, text);
 }
 
-// OK on the if dialog; a condition its parser does not read keeps it open, so it is closed then.
-void ConfirmCondition(QWidget& dialog, const QString& condition)
+// Types text into the box and presses OK; a text the dialog refuses keeps it open, so it is closed then.
+void Confirm(QWidget& dialog, const char* box, const QString& text)
 {
-    Type(dialog, "Edit_Vergleich1", condition);
+    Type(dialog, box, text);
     Click(dialog, "BT_OK");
-    EXPECT_FALSE(dialog.isVisible()) << "condition refused: " << condition.toStdString();
+    EXPECT_FALSE(dialog.isVisible()) << "refused: " << text.toStdString();
     if (dialog.isVisible()) static_cast<QDialog&>(dialog).reject();
 }
+void ConfirmCondition(QWidget& dialog, const QString& condition) { Confirm(dialog, "Edit_Vergleich1", condition); }
 
 TEST_F(WorkbenchTest, LoopAndIfBlocksInsertedFromTheStructureGroupAreWrittenInPlaceAndRun)
 {
@@ -191,56 +188,33 @@ TEST_F(WorkbenchTest, CaseAndCommentRowsWriteTheirLinesBelowTheCurrentOne)
     EXPECT_EQ(window.Editor().toPlainText(), "var N : Number = 2\nLog(N)\n// Auswahl nach N\ncase N of\n631:end case");
 }
 
-// F2 on a line, act works the dialog named form; the line as it reads afterwards.
-QString EditLineWith(TMainWindow& window, const QString& line, const char* form, std::function<void(QWidget&)> act)
-{
-    window.Editor().setPlainText("var R : String\nvar N : Number\n" + line);
-    window.Editor().GoToLine(3);
-    bool shown = false;
-    OnModal(form, [&shown, act](QWidget& d) {
-        shown = true;
-        act(d);
-    });
-    window.EditCurrentLine();
-    EXPECT_TRUE(shown) << "no " << form << " for " << line.toStdString();
-    return window.Editor().LineText(3);
-}
-
 TEST_F(WorkbenchTest, EditingALineKeepsItsMarkerAndWhatFollowsTheStatement)
 {
-    const auto port = [](QWidget& d) {
-        Type(d, "DVEdit_Port", "2");
-        Click(d, "BT_OK");
-    };
     const QString tcp = "TCP(Host := \"h\", Port := 2, Send := \"x\", Sentinel := [10], Result := R);";
-    const struct { QString line; const char* form; std::function<void(QWidget&)> act; QString edited; } rows[] = {
-        {"TCP(Host := \"h\", Port := 1, Send := \"x\", Result := R); // Messgeraet", "TFormTCP", port, tcp + " // Messgeraet"},
-        {"  TCP(Host := \"h\", Port := 1, Send := \"x\", Result := R);  Log(R)", "TFormTCP", port, "  " + tcp + "  Log(R)"},
-        {"TCP(Host := \"(\", Port := 1, Send := \")\", Result := R) Log(R)", "TFormTCP", port,
+    const struct { QString line; const char *form, *box, *shown, *typed; QString edited; } rows[] = {  // shown: nullptr, unchecked
+        {"TCP(Host := \"h\", Port := 1, Send := \"x\", Result := R); // Messgeraet", "TFormTCP", "DVEdit_Port", nullptr, "2",
+         tcp + " // Messgeraet"},
+        {"  TCP(Host := \"h\", Port := 1, Send := \"x\", Result := R);  Log(R)", "TFormTCP", "DVEdit_Port", nullptr, "2",
+         "  " + tcp + "  Log(R)"},
+        {"TCP(Host := \"(\", Port := 1, Send := \")\", Result := R) Log(R)", "TFormTCP", "DVEdit_Port", nullptr, "2",
          "TCP(Host := \"(\", Port := 2, Send := \")\", Sentinel := [10], Result := R); Log(R)"},
-        {"  93:until N >= 3;", "TDVGUILoop",
-         [](QWidget& d) {
-             EXPECT_EQ(Find<QLineEdit>(d, "Edit_RepeatCondition").text(), "N >= 3");
-             Type(d, "Edit_RepeatCondition", "N >= 4");
-             Click(d, "BT_OK");
-         },
-         "  93:until N >= 4;"},
-        {"until N > 1; Log(\"do\") // fertig", "TDVGUILoop",
-         [](QWidget& d) {
-             Type(d, "Edit_RepeatCondition", "N > 2");
-             Click(d, "BT_OK");
-         },
-         "until N > 2; Log(\"do\") // fertig"},
-        {"while N < 3 do // warten", "TDVGUILoop",
-         [](QWidget& d) {
-             Type(d, "Edit_WhileCondition", "N < 4");
-             Click(d, "BT_OK");
-         },
-         "while N < 4 do // warten"},
-        {"if N > 1 then Log(\"gross\")", "TIfThenElse", [](QWidget& d) { ConfirmCondition(d, "N > 5"); },
-         "if N > 5 then Log(\"gross\")"},
+        {"  93:until N >= 3;", "TDVGUILoop", "Edit_RepeatCondition", "N >= 3", "N >= 4", "  93:until N >= 4;"},
+        {"until N > 1; Log(\"do\") // fertig", "TDVGUILoop", "Edit_RepeatCondition", nullptr, "N > 2", "until N > 2; Log(\"do\") // fertig"},
+        {"while N < 3 do // warten", "TDVGUILoop", "Edit_WhileCondition", nullptr, "N < 4", "while N < 4 do // warten"},
+        {"if N > 1 then Log(\"gross\")", "TIfThenElse", "Edit_Vergleich1", nullptr, "N > 5", "if N > 5 then Log(\"gross\")"},
     };
-    for (const auto& r : rows) EXPECT_EQ(EditLineWith(window, r.line, r.form, r.act), r.edited) << r.line.toStdString();
+    for (const auto& r : rows) {
+        SetScript("var R : String\nvar N : Number\n" + r.line);
+        window.Editor().GoToLine(3);
+        QString shown;
+        OnModal(r.form, [&](QWidget& d) {
+            shown = Find<QLineEdit>(d, r.box).text();
+            Confirm(d, r.box, r.typed);
+        });
+        window.EditCurrentLine();
+        EXPECT_EQ(window.Editor().LineText(3), r.edited) << r.line.toStdString();
+        if (r.shown) { EXPECT_EQ(shown, r.shown); }
+    }
 }
 
 TEST_F(WorkbenchTest, EndAndRepeatLinesOfLoopsAnswerWithTheLoopsMessage)
