@@ -10,7 +10,6 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QRegularExpression>
-#include <QScopeGuard>
 #include <QTcpServer>
 #include <QTextBlock>
 #include <QTextEdit>
@@ -24,7 +23,6 @@ namespace {
 using test::StopWhileWaiting;
 using test::ReadText;
 using test::WaitFor;
-using test::WriteBytes;
 using test::WorkbenchTest;
 
 // A passing run, one whose script does not read (it does not run), and one with a failed check, which
@@ -77,15 +75,11 @@ TEST_F(WorkbenchTest, StopEndsEveryCommandsWaitWithin100Ms)
     const QString pipeName = QString("dvwb-stumm-%1").arg(QCoreApplication::applicationPid());
     const TSocketFd silentPipe = localpipe::ListenEndpoint(pipeName);  // listens, never accepts
     const QString form = folder.filePath("formular.html");
-    ASSERT_TRUE(WriteBytes(form, "<html><body><form><input name=a><input type=submit></form></body></html>"));
+    dv::test::WriteFile(form, "<html><body><form><input name=a><input type=submit></form></body></html>");
     // The form window stands open without anyone filling it in: a browser that only waits.
     ASSERT_TRUE(QDir(folder.path()).mkpath("bin"));
-    const QString browser = folder.filePath("bin/dvformbrowser");
-    ASSERT_TRUE(WriteBytes(browser, "#!/bin/sh\nexec sleep 60\n"));
-    ASSERT_TRUE(QFile::setPermissions(browser, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
-    const QByteArray path = qgetenv("PATH");
-    qputenv("PATH", QFile::encodeName(folder.filePath("bin")) + ':' + path);
-    const auto restorePath = qScopeGuard([&path] { qputenv("PATH", path); });
+    dv::test::WriteProgram(folder.filePath("bin/dvformbrowser"), "exec sleep 60");
+    const dv::test::TScopedEnvironment path("PATH", QFile::encodeName(folder.filePath("bin")) + ':' + qgetenv("PATH"));
     const struct { const char* name; QString script; int line; } rows[] = {
         {"TCP", QString("var R : String\nTCP(Host := \"127.0.0.1\", Port := %1, Send := \"x\", Result := R);\nLog(R)")
                     .arg(silentTcp.serverPort()), 2},

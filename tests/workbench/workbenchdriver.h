@@ -3,6 +3,7 @@
 // folder and a script, and stopping a run while one of its commands waits.
 #include "commands/system/platform_process.h"
 #include "tests/commands/formdriver.h"
+#include "tests/support/process.h"
 #include "workbench/logmodel.h"
 #include "workbench/mainwindow.h"
 #include "workbench/palette.h"
@@ -10,7 +11,6 @@
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
-#include <QFile>
 #include <QLabel>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -32,23 +32,9 @@ inline bool WaitFor(const std::function<bool()>& pred, int ms)
     return pred();
 }
 
-inline QString ReadText(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
-}
-
-inline QByteArray ReadBytes(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-inline bool WriteBytes(const QString& path, const QByteArray& bytes)
-{
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
-}
+using dv::test::ReadFile;
+using dv::test::WriteFile;
+inline QString ReadText(const QString& path) { return QString::fromUtf8(ReadFile(path)); }
 
 // A shown main window; programs the scripts start write into the scratch folder.
 class WorkbenchTest : public ::testing::Test {
