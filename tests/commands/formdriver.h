@@ -8,6 +8,7 @@
 #include <QStyleOptionButton>
 #include <QApplication>
 #include <QLineEdit>
+#include <QMessageBox>
 #include <QTimer>
 #include <QtTest/QTest>
 
@@ -29,6 +30,15 @@ inline void OnModal(const QString& objectName, std::function<void(QWidget&)> act
         act(*modal);
     });
     timer->start();
+}
+
+// Accepts the next message box named objectName; its text goes to *shown.
+inline void OnMessage(const QString& objectName, QString* shown)
+{
+    OnModal(objectName, [shown](QWidget& box) {
+        *shown = static_cast<QMessageBox&>(box).text();
+        static_cast<QMessageBox&>(box).accept();
+    });
 }
 
 template <class Widget>

@@ -41,13 +41,13 @@ TParamList ReadBack(Command& command, const TParamList& params)
     return out;
 }
 
-// Runs body: the message of the runtime error it raised, nullopt when it ran through.
-template <class Body>
+// Runs body: the message of the error (a runtime error unless told) it raised, nullopt when it ran through.
+template <class Exception = TDVRuntimeException, class Body>
 std::optional<QString> RaisedMessage(Body&& body)
 {
     try {
         body();
-    } catch (const TDVRuntimeException& e) {
+    } catch (const Exception& e) {
         return e.Message();
     }
     return std::nullopt;

@@ -1,6 +1,11 @@
+// The catalogue of commands, the signatures its rows carry, and the command base class that binds a
+// signature's parameters by default.
 #include "framework/catalogue.h"
 #include "framework/dvmiscfunctions.h"
 #include "framework/registry.h"
+#include "framework/runedit.h"
+#include "framework/signature.h"
+#include "tests/commands/params.h"
 #include "tests/support/testhost.h"
 
 #include <gtest/gtest.h>
@@ -138,12 +143,125 @@ TEST(LaborCommandTest, ShowAndHideIgnoreParametersAndWriteNoVariable)
 TEST(LaborCommandTest, WithoutAHostTheRunFailsClearly)
 {
     TParamList params;
-    try {
-        TDVShowLaborCommand().Run(params);
-        ADD_FAILURE() << "ran without a host";
-    } catch (const TDravikException& e) {
-        EXPECT_TRUE(e.Message().contains("TestEnvironment")) << e.what();
+    const QString failure = test::RaisedMessage<TDravikException>([&] { TDVShowLaborCommand().Run(params); }).value_or("ran");
+    EXPECT_TRUE(failure.contains("TestEnvironment")) << failure.toStdString();
+}
+
+TEST(SignatureTest, IrregularDefaultsAreRead)
+{
+    const struct { const char *procedure, *param; bool isVar, hasDefault; const char* defaultText; TDVType type; } rows[] = {
+        {"StringBearbeitung", "Separator", false, true, "", g_StringType},  // "= ;Search"
+        {"StringBearbeitung", "Search", false, true, "", g_StringType},
+        {"StringBearbeitung", "Input", false, false, "", g_StringType},
+        {"StringBearbeitung", "Count", false, true, "", g_BooleanType},     // "= );"
+        {"OpenSaveDlg", "Extension", false, true, "", g_StringType},        // "=  );"
+        {"OpenSaveDlg", "FileName", true, true, "", g_StringType},
+        {"IniFile", "Ident", false, true, "\"\"", g_StringType},            // "= \"\" ;"
+        {"IniFile", "Result", true, true, "", g_MiscType},
+        {"TCP", "Sentinel", false, true, "[10]", g_StringType},
+        {"TextOut", "FontSize", false, true, "10", g_NumberType},
+        {"FormResult", "Timeout", false, true, "-1", g_NumberType},
+        {"ImageChange", "Brightness", false, true, "21.4", g_NumberType},
+        {"ImageEval", "Rect", false, true, "[]", g_NumberArrayType},
+        {"ArrayToStr", "Arr", false, false, "", g_MiscArrayType},
+        {"StrToArray", "arr", true, false, "", g_MiscArrayType},
+        {"MeldungsBox", "YPos", false, false, "", g_NumberType},             // no closing ";"
+    };
+    for (const auto& r : rows) {
+        const TDVSignature sig = ParseSignature(QString::fromLatin1(FindProcedure(r.procedure)->signature));
+        const TDVParamDecl* p = sig.Find(r.param);
+        ASSERT_NE(p, nullptr) << r.procedure << "." << r.param;
+        EXPECT_EQ(p->name, QString::fromLatin1(r.param)) << r.procedure;
+        EXPECT_EQ(p->isVar, r.isVar) << r.param;
+        EXPECT_EQ(p->hasDefault, r.hasDefault) << r.param;
+        EXPECT_EQ(p->defaultText, QString::fromLatin1(r.defaultText)) << r.param;
+        EXPECT_EQ(p->type, r.type) << r.param;
     }
+}
+
+TEST(SignatureTest, ParameterNamesKeepTheirSpellingAndOrder)
+{
+    EXPECT_EQ(ParseSignature(FindProcedure("StrToArray")->signature).ParamNames(), QStringList({"str", "arr"}));
+    EXPECT_EQ(ParseSignature(FindProcedure("ArrayToStr")->signature).ParamNames(), QStringList({"Str", "Arr"}));
+    EXPECT_EQ(ParseSignature(FindProcedure("StringBearbeitung")->signature).params.size(), 21u);
+    EXPECT_TRUE(ParseSignature("procedure ShowLabor;").params.empty());
+}
+
+TEST(SignatureTest, GroupedNamesShareTheirDeclaration)
+{
+    const TDVSignature sig = ParseSignature("procedure Messe(Kanal, Bereich : Number; var Wert : Number = 0);");
+    ASSERT_EQ(sig.params.size(), 3u);
+    EXPECT_EQ(sig.params[1].name, "Bereich");
+    EXPECT_EQ(sig.params[1].type, g_NumberType);
+    EXPECT_TRUE(sig.params[2].isVar);
+    EXPECT_EQ(sig.params[2].defaultText, "0");
+}
+
+TEST(SignatureTest, MalformedHeadingsNameThePlace)
+{
+    const std::pair<const char*, int> rows[] = {
+        {"procedure (A : Number);", 11},
+        {"procedure P(A Number);", 15},
+        {"procedure P(A : Zahl);", 17},
+        {"procedure P(A : Number", 23},
+        {"funktion P;", 1},
+    };
+    for (const auto& [text, column] : rows) {
+        try {
+            ParseSignature(text);
+            ADD_FAILURE() << "accepted " << text;
+        } catch (const TDVSyntaxError& e) {
+            EXPECT_EQ(e.Line(), 1) << text;
+            EXPECT_EQ(e.Column(), column) << text << ": " << e.what();
+        }
+    }
+}
+
+// A command whose parameters the signature alone describes.
+class TDVCmdPlain : public TDVThreadRunEdit {
+public:
+    TDVCmdPlain() : TDVThreadRunEdit("procedure Plain(A: String; B: Number = 3; var C: String);", "TFormPlain", nullptr) {}
+};
+
+TEST(RunEditTest, EditWithoutAGuiFailsClearlyAndLeavesTheList)
+{
+    TDVCmdPlain command;
+    TParamList params;
+    params.AddString("A", "x");
+    const QString failure = test::RaisedMessage<TDravikException>([&] { command.Edit(params); }).value_or("Edit ran without a GUI");
+    EXPECT_TRUE(failure.contains("TFormPlain")) << failure.toStdString();
+    EXPECT_EQ(params.GetString("A"), "x");
+    EXPECT_EQ(params.Count(), 1);
+}
+
+TEST(RunEditTest, DefaultBindingCopiesOneFieldPerParameterInSignatureOrder)
+{
+    TDVCmdPlain command;
+    TParamList in;
+    in.AddString("C", "Ziel");
+    in.AddString("A", "x");
+    in.AddString("Fremd", "y");
+    command.SetParams(in);
+    TParamList out;
+    command.ReadParams(out);
+    EXPECT_EQ(out.Names(), QStringList({"A", "B", "C"}));
+    EXPECT_EQ(out.GetString("A"), "x");
+    EXPECT_EQ(out.GetString("B"), "");
+    EXPECT_EQ(out.GetString("C"), "Ziel");
+}
+
+TEST(RunEditTest, DefaultsAndParameterCheck)
+{
+    TDVCmdPlain command;
+    TParamList params;
+    params.AddString("A", "x");
+    EXPECT_FALSE(command.CheckParams(params));  // C has no default
+    params.AddString("C", "Ziel");
+    EXPECT_TRUE(command.CheckParams(params));
+    command.AddDefaults(params);
+    EXPECT_EQ(params.GetString("B"), "3");
+    EXPECT_EQ(command.GetID(), "Plain");
+    EXPECT_FALSE(command.DecodeScript("Plain(1, 2);", params, nullptr));
 }
 
 }  // namespace

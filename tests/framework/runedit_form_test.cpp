@@ -1,11 +1,8 @@
 #include "framework/forms/boundform.h"
 #include "framework/runedit.h"
-#include "tests/support/modal.h"
+#include "tests/commands/formdriver.h"
 
-#include <QCheckBox>
-#include <QLineEdit>
 #include <QPushButton>
-#include <QTest>
 #include <QVBoxLayout>
 
 #include <gtest/gtest.h>
@@ -53,13 +50,9 @@ TEST_F(EditTest, CancelLeavesTheListUntouched)
 {
     for (const char* closer : {"BT_Cancel", "Escape"}) {
         TParamList params = before;
-        test::WhenModal([closer](QDialog& d) {
-            test::Child<QLineEdit>(d, "DVEdit_Host").setText("geändert");
-            if (QString(closer) == "Escape") {
-                QTest::keyClick(&d, Qt::Key_Escape);
-            } else {
-                QTest::mouseClick(&test::Child<QPushButton>(d, closer), Qt::LeftButton);
-            }
+        test::OnModal("TFormProbe", [closer](QWidget& d) {
+            test::Type(d, "DVEdit_Host", "geändert");
+            QString(closer) == "Escape" ? QTest::keyClick(&d, Qt::Key_Escape) : test::Click(d, closer);
         });
         EXPECT_FALSE(command.Edit(params)) << closer;
         EXPECT_TRUE(params == before) << closer;
@@ -70,12 +63,12 @@ TEST_F(EditTest, CancelLeavesTheListUntouched)
 TEST_F(EditTest, OkClearsTheListThenAddsExactlyTheParameters)
 {
     TParamList params = before;
-    test::WhenModal([](QDialog& d) {
-        EXPECT_EQ(test::Child<QLineEdit>(d, "DVEdit_Host").text(), "localhost");
-        EXPECT_EQ(test::Child<QLineEdit>(d, "DVEdit_Port").text(), "5000");
-        test::Child<QLineEdit>(d, "DVEdit_Result").setText("Antwort");
-        test::Child<QCheckBox>(d, "DVCheckBox_Flag").setChecked(true);
-        QTest::mouseClick(&test::Child<QPushButton>(d, "BT_OK"), Qt::LeftButton);
+    test::OnModal("TFormProbe", [](QWidget& d) {
+        EXPECT_EQ(test::Find<QLineEdit>(d, "DVEdit_Host").text(), "localhost");
+        EXPECT_EQ(test::Find<QLineEdit>(d, "DVEdit_Port").text(), "5000");
+        test::Type(d, "DVEdit_Result", "Antwort");
+        test::Click(d, "DVCheckBox_Flag");
+        test::Click(d, "BT_OK");
     });
     ASSERT_TRUE(command.Edit(params));
     EXPECT_EQ(params.Names(), QStringList({"Host", "Port", "Flag", "Result"}));
@@ -89,8 +82,8 @@ TEST_F(EditTest, DialogCarriesTheStandardButtons)
 {
     TFormProbe form(command);
     EXPECT_EQ(form.objectName(), "TFormProbe");
-    EXPECT_EQ(test::Child<QPushButton>(form, "BT_Cancel").text(), "Abbrechen");
-    EXPECT_TRUE(test::Child<QPushButton>(form, "BT_OK").isDefault());
+    EXPECT_EQ(test::Find<QPushButton>(form, "BT_Cancel").text(), "Abbrechen");
+    EXPECT_TRUE(test::Find<QPushButton>(form, "BT_OK").isDefault());
 }
 
 }  // namespace

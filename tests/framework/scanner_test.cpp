@@ -19,10 +19,7 @@ using T = TTokenType;
 
 TEST(ScannerTest, TokenKinds)
 {
-    struct Row {
-        const char* text;
-        std::vector<TTokenType> types;
-    };
+    struct Row { const char* text; std::vector<TTokenType> types; };
     const std::vector<Row> rows = {
         {"for I := 1 to N - 1 do", {T::kwFor, T::Identifier, T::Assignment, T::Number, T::kwTo, T::Identifier, T::Minus, T::Number, T::kwDo}},
         {"WHILE x <> 0 Do", {T::kwWhile, T::Identifier, T::NotEqual, T::Number, T::kwDo}},
@@ -79,6 +76,19 @@ TEST(ScannerTest, UnterminatedTextsAreSyntaxErrors)
     for (const char* bad : {"\"offen", "(* offen", "{72", "x ? y"}) {
         EXPECT_THROW(Types(bad), TDVSyntaxError) << bad;
     }
+}
+
+TEST(ScannerTest, LastTokenFollowsWhatWasConsumed)
+{
+    TScanner scanner("a := 1\nb");
+    EXPECT_EQ(scanner.LastToken().type, T::EndOfText);
+    scanner.LookAhead();
+    EXPECT_EQ(scanner.LastToken().type, T::EndOfText);
+    scanner.GetNextToken();
+    scanner.GetNextToken();
+    EXPECT_EQ(scanner.Require(T::Number).line, 1);
+    EXPECT_EQ(scanner.LastToken().text, "1");
+    EXPECT_EQ(scanner.LookAhead().line, 2);
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 // parameters, threads, and the stop of a run.
 #include "framework/catalogue.h"
 #include "framework/exceptions.h"
+#include "framework/signature.h"
 #include "tests/host/scriptrun.h"
 
 #include <gtest/gtest.h>
@@ -45,40 +46,30 @@ TScriptOutcome RunWith(const QString& script, const std::shared_ptr<TDVThreadRun
     return RunScriptText(script, {}, [&](THost& host) { host.Commands().Add(command); });
 }
 
-struct TParamCase {
-    const char* call;
-    const char* param;
-    const char* expected;  // nullptr: the parameter is absent
-};
-
 TEST(CommandCall, InputParametersReachTheCommandAsTheTextOfTheirValue)
 {
-    const TParamCase cases[] = {
-        {"Probe(1.5)", "Text", "1.5"},
-        {"Probe(1 / 4 * 2)", "Text", "0.5"},
-        {"Probe(Text := 3 > 2)", "Text", "True"},
-        {"Probe([72, 65])", "Text", "{72}{65}"},
-        {"Probe(\"a\" + \"b\")", "Text", "ab"},
-        {"Probe(V)", "Text", "{1}{2}"},
-        {"Probe(1)", "S", "\n"},  // the default [10] is a line feed
-        {"Probe(1, S := [72, 105])", "S", "Hi"},
-        {"Probe(1, S := {72}{105})", "S", "Hi"},
-        {"Probe(1)", "N", "-1"},
-        {"Probe(1)", "B", "False"},
-        {"Probe(1)", "A", ""},
-        {"Probe(1)", "R", ""},
-        {"Probe(1)", "E", ""},
-        {"Probe(1)", "Z", "21.4"},
-        {"Probe(1)", "Q", ""},
-        {"Probe(1, R := V)", "R", "V"},
-        {"Probe(1, r := v)", "R", "v"},
+    const struct { const char* call; std::vector<std::pair<const char*, const char*>> params; } cases[] = {
+        {"Probe(1.5)", {{"Text", "1.5"}}},
+        {"Probe(1 / 4 * 2)", {{"Text", "0.5"}}},
+        {"Probe(Text := 3 > 2)", {{"Text", "True"}}},
+        {"Probe([72, 65])", {{"Text", "{72}{65}"}}},
+        {"Probe(\"a\" + \"b\")", {{"Text", "ab"}}},
+        {"Probe(V)", {{"Text", "{1}{2}"}}},
+        // The default [10] of S is a line feed.
+        {"Probe(1)", {{"S", "\n"}, {"N", "-1"}, {"B", "False"}, {"A", ""}, {"R", ""}, {"E", ""}, {"Z", "21.4"}, {"Q", ""}}},
+        {"Probe(1, S := [72, 105])", {{"S", "Hi"}}},
+        {"Probe(1, S := {72}{105})", {{"S", "Hi"}}},
+        {"Probe(1, R := V)", {{"R", "V"}}},
+        {"Probe(1, r := v)", {{"R", "v"}}},
     };
-    for (const TParamCase& c : cases) {
+    for (const auto& c : cases) {
         auto probe = std::make_shared<TRecordingCommand>();
         const TScriptOutcome out = RunWith(QStringLiteral("var V : Array of Number = [1, 2]\n") + c.call, probe);
         ASSERT_EQ(out.exitCode, 0) << c.call << ": " << out.errors.join('\n').toStdString();
         ASSERT_EQ(probe->calls.size(), 1u) << c.call;
-        EXPECT_EQ(probe->calls[0].GetString(c.param).toStdString(), c.expected) << c.call << " " << c.param;
+        for (const auto& [param, expected] : c.params) {
+            EXPECT_EQ(probe->calls[0].GetString(param).toStdString(), expected) << c.call << " " << param;
+        }
     }
 }
 
@@ -156,8 +147,7 @@ TEST(CommandCall, EveryCatalogueSignatureParsesAndItsDefaultsEvaluate)
     THost host;
     for (const TCatalogueRow& row : Catalogue()) {
         if (QLatin1String(row.signature).isEmpty()) continue;
-        TScanner scanner(QString::fromLatin1(row.signature), false);
-        const TDVSignature sig = ParseProcedureHeading(scanner);
+        const TDVSignature sig = ParseSignature(QString::fromLatin1(row.signature));
         EXPECT_EQ(sig.name, QLatin1String(row.procedure));
         for (const TDVParamDecl& p : sig.params) {
             if (!p.hasDefault || p.defaultText.isEmpty()) continue;

@@ -1,9 +1,11 @@
-// The host services as commands use them: parser, project environment, variable access.
+// The host services as commands use them: parser, project environment, variable access; the memory
+// an array of numbers takes.
 #include "framework/exceptions.h"
-#include "framework/scanner.h"
 #include "tests/host/scriptrun.h"
 
 #include <gtest/gtest.h>
+
+#include <malloc.h>
 
 namespace dv::host::test {
 namespace {
@@ -123,17 +125,37 @@ TEST_F(HostServices, ProjectPathPlaceholderAndVariable)
     EXPECT_EQ(host.ReplaceProjectPath("/fest/a.bmp"), "/fest/a.bmp");
 }
 
-TEST(Scanner, LastTokenFollowsWhatWasConsumed)
+// The memory an Array of Number of a million elements holds in a running script.
+// Bytes the allocator has handed out and not had back, mapped blocks included.
+std::size_t HeapInUse()
 {
-    TScanner scanner("a := 1\nb");
-    EXPECT_EQ(scanner.LastToken().type, TTokenType::EndOfText);
-    scanner.LookAhead();
-    EXPECT_EQ(scanner.LastToken().type, TTokenType::EndOfText);
-    scanner.GetNextToken();
-    scanner.GetNextToken();
-    EXPECT_EQ(scanner.Require(TTokenType::Number).line, 1);
-    EXPECT_EQ(scanner.LastToken().text, "1");
-    EXPECT_EQ(scanner.LookAhead().line, 2);
+    const struct mallinfo2 m = mallinfo2();
+    return m.uordblks + m.hblkhd;
+}
+
+TEST(ArrayMemory, AMillionNumbersTakeAtMost16MB)
+{
+    const struct { const char *how, *script; } rows[] = {
+        {"element by element",
+         "var A : Array of Number\nvar I : Number\nfor I := 1 to 1000000 do\n  A[I] := I / 3\nend for\n"},
+        {"SetLength", "var A : Array of Number\nSetLength(A, 1000000)\nA[1000000] := 1000000 / 3\n"},
+    };
+    for (const auto& r : rows) {
+        SCOPED_TRACE(r.how);
+        THost host;
+        host.SetOutput({}, {});
+        TScriptRun run(QStringLiteral("test.dvs"), host);
+        ASSERT_TRUE(run.Load(QString::fromLatin1(r.script)));
+        const std::size_t before = HeapInUse();
+        run.Run();
+        ASSERT_EQ(run.Report().exitCode, 0) << run.Report().FailureText().toStdString();
+        const std::size_t after = HeapInUse();  // the program's variables still hold the array
+        const auto* array = dynamic_cast<const TArrayValue*>(&host.FindVariable(QStringLiteral("A"))->GetValue());
+        ASSERT_NE(array, nullptr);
+        ASSERT_EQ(array->GetSize(), 1000000);
+        EXPECT_EQ(array->GetNumber(1000000), 1000000.0L / 3);
+        EXPECT_LE(after - before, std::size_t{16'000'000});
+    }
 }
 
 }  // namespace

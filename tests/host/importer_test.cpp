@@ -5,8 +5,20 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
+
 namespace dv::host::test {
 namespace {
+
+struct TConverted { QString text; QStringList warnings; };
+
+TConverted Convert(const QString& script)
+{
+    THost host;
+    TConverted c;
+    c.text = ConvertScript(script, host.Commands(), &c.warnings);
+    return c;
+}
 
 TEST(CommandLine, EveryAvailableCommandsLineReadsBackToTheSameList)
 {
@@ -88,25 +100,23 @@ TEST(Importer, ScriptsInTheCurrentFormStayByteForByteAndRun)
         "procedure CreateDir(Name : String);\n  Log(Name)\nend procedure\nCreateDir(\"x\")\n",
     };
     for (const QString& script : scripts) {
-        THost host;
-        QStringList warnings;
-        EXPECT_EQ(ConvertScript(script, host.Commands(), &warnings).toStdString(), script.toStdString());
-        EXPECT_TRUE(warnings.isEmpty()) << script.toStdString() << warnings.join('\n').toStdString();
+        const TConverted c = Convert(script);
+        EXPECT_EQ(c.text.toStdString(), script.toStdString());
+        EXPECT_TRUE(c.warnings.isEmpty()) << script.toStdString() << c.warnings.join('\n').toStdString();
         const TScriptOutcome run = RunScriptText(script);
         EXPECT_EQ(run.exitCode, 0) << script.toStdString() << run.errors.join('\n').toStdString();
     }
 }
 
-// A command call that the current grammar cannot read and that is no older line of its command
-// (a typo), or that reads only with words the script does not declare (older or misspelt: only
-// its author knows), is never replaced: it stays, marked, and still fails where it failed.
-TEST(Importer, CallsThatAreNoOlderLinesAreKeptWithAWarning)
+// A line that cannot become a current line stays as it was, marked, is named in a warning with its
+// reason, and still fails where it failed, and nothing else does: a command call that the current
+// grammar cannot read and that is no older line of its command (a typo), one that reads only with
+// words the script does not declare (older or misspelt: only its author knows), an older line whose
+// decoded arguments make no current line.
+TEST(Importer, LinesThatCannotBecomeCurrentLinesAreKeptWithTheirReason)
 {
     const QString head = "var S : String\nvar X : Misc\nvar A : Array of String\n";
-    const struct {
-        const char* line;
-        const char* reason;  // part of the reason given
-    } rows[] = {
+    const struct { const char *line, *reason; } rows[] = {  // reason: part of the reason given
         {"TextOut(\"Hallo\" + S;", "\")\" erwartet (für \"(\" in Zeile 4)"},
         {"TextOut(Text := \"Hallo\" + S;", "\")\" erwartet"},
         {"TextOut(\"[OUT:\" + S;", "\")\" erwartet"},  // the marker is text, not the older form
@@ -115,20 +125,18 @@ TEST(Importer, CallsThatAreNoOlderLinesAreKeptWithAWarning)
         {"HexToInt(FF);", ""},  // an older name without the older form's markers
         {"StrToArray(Hallo, A);", "\"Hallo\" wurde nicht als Variable deklariert"},
         {"ArrayToStr(A, B);", "\"B\" wurde nicht als Variable deklariert"},
+        {"HexToInt(IN:FF,OUT:A[1]):0;", "Output erwartet eine Variable, nicht \"A[1]\""},
+        {"formatstr(IN:x,OUT:A);", "keine ältere Zeile von StringBearbeitung"},  // decoded only as "FormatStr("
+        {"HexToInt(IN:FF,OUT:end):0;", "bei 'end'"},  // a name, but a keyword: the new line does not parse
     };
     for (const auto& r : rows) {
-        THost host;
-        QStringList warnings;
-        const QString converted = ConvertScript(head + r.line + "\nLog(\"danach\")", host.Commands(), &warnings);
-        EXPECT_EQ(converted.section('\n', 3, 3).section(" // nicht umgesetzt: ", 0, 0), r.line) << converted.toStdString();
-        EXPECT_EQ(warnings.size(), 1) << r.line;
-        if (warnings.size() != 1) continue;
-        EXPECT_TRUE(warnings[0].startsWith("Zeile 4: nicht umgesetzt: ") && warnings[0].contains(r.reason))
-            << warnings[0].toStdString();
-        EXPECT_TRUE(converted.section('\n', 3, 3).endsWith(warnings[0].section(": ", 1))) << converted.toStdString();
-        const TScriptOutcome run = RunScriptText(converted);
-        EXPECT_EQ(run.exitCode, 2) << converted.toStdString();
-        EXPECT_TRUE(run.errors.join('\n').contains("test.dvs:4:")) << run.errors.join('\n').toStdString();
+        const TConverted c = Convert(head + r.line + "\nLog(\"danach\")");
+        ASSERT_EQ(c.warnings.size(), 1) << r.line;
+        EXPECT_TRUE(c.warnings[0].startsWith("Zeile 4: nicht umgesetzt: ") && c.warnings[0].contains(r.reason)) << c.warnings[0].toStdString();
+        EXPECT_EQ(c.text.section('\n', 3, 3), r.line + QString(" // ") + c.warnings[0].section(": ", 1)) << c.text.toStdString();
+        const TScriptOutcome run = RunScriptText(c.text);
+        EXPECT_EQ(run.exitCode, 2) << c.text.toStdString();
+        EXPECT_TRUE(run.errors.join('\n').startsWith("test.dvs:4:")) << run.errors.join('\n').toStdString();
     }
 }
 
@@ -169,11 +177,9 @@ TEST(Importer, ConvertedLinesRunWithTheOlderMeaning)
         {"TextOut([OUT:http://host/pfad]);", "", "http://host/pfad"},
     };
     for (const auto& p : probes) {
-        THost host;
-        QStringList warnings;
-        const QString converted = ConvertScript(head + p.older, host.Commands(), &warnings);
-        EXPECT_TRUE(warnings.isEmpty()) << p.older << ": " << warnings.join('\n').toStdString();
-        const QString script = converted + (*p.show ? QString("\nLog(%1)").arg(p.show) : QString());
+        const TConverted c = Convert(head + p.older);
+        EXPECT_TRUE(c.warnings.isEmpty()) << p.older << ": " << c.warnings.join('\n').toStdString();
+        const QString script = c.text + (*p.show ? QString("\nLog(%1)").arg(p.show) : QString());
         const TScriptOutcome run = RunScriptText(script);
         ASSERT_EQ(run.exitCode, 0) << script.toStdString() << "\n" << run.errors.join('\n').toStdString();
         EXPECT_TRUE(run.output.contains(p.expected)) << script.toStdString() << "\n" << run.output.join('\n').toStdString();
@@ -182,11 +188,7 @@ TEST(Importer, ConvertedLinesRunWithTheOlderMeaning)
 
 TEST(Importer, TrailingCommentsAndMarkersStayWithTheConvertedLine)
 {
-    const struct {
-        const char* older;
-        const char* start;  // of the converted line
-        const char* end;
-    } rows[] = {
+    const struct { const char *older, *start, *end; } rows[] = {  // start and end of the converted line
         {"  7:HexToInt(IN:FF,OUT:N):0;  // Wert", "  7:NumberConvert(", ");  // Wert"},
         {"HexToInt(IN:FF,OUT:N):0 // ohne Semikolon", "NumberConvert(", "Stellen := 0); // ohne Semikolon"},
         {"HexToInt(IN:FF,OUT:N):0;// c", "NumberConvert(", ");// c"},
@@ -195,8 +197,7 @@ TEST(Importer, TrailingCommentsAndMarkersStayWithTheConvertedLine)
     };
     for (const auto& r : rows) {
         for (const QString& eol : {QString("\n"), QString("\r\n")}) {
-            THost host;
-            const QString converted = ConvertScript("var N : Number" + eol + r.older + eol + "Log(N)" + eol, host.Commands());
+            const QString converted = Convert("var N : Number" + eol + r.older + eol + "Log(N)" + eol).text;
             const QStringList lines = converted.split(eol);
             ASSERT_EQ(lines.size(), 4) << converted.toStdString();
             EXPECT_TRUE(lines[1].startsWith(r.start) && lines[1].endsWith(r.end)) << lines[1].toStdString();
@@ -207,44 +208,31 @@ TEST(Importer, TrailingCommentsAndMarkersStayWithTheConvertedLine)
 }
 
 // A procedure's parameters are variables of the script: an older line in the procedure reads them.
-TEST(Importer, OlderLinesInAProcedureReadItsParameters)
+// An older text may open a bracket or a comment it never closes; the next line is a statement of its own.
+TEST(Importer, OlderLinesReadProcedureParametersAndEndWithTheirLine)
 {
-    const QString older = "var X : Number\nprocedure Wandle(H : String; var Y : Number);\n  HexToInt(IN:H,OUT:Y):0;\nend procedure\n"
-                          "Wandle(\"FF\", X)\nLog(X)\n";
-    THost host;
-    QStringList warnings;
-    const QString converted = ConvertScript(older, host.Commands(), &warnings);
-    EXPECT_TRUE(warnings.isEmpty()) << warnings.join('\n').toStdString();
-    EXPECT_EQ(converted.section('\n', 2, 2), "  NumberConvert(Operation := \"ccHexToInt\", Input := H, Output := Y, Stellen := 0);");
-    const TScriptOutcome run = RunScriptText(converted);
-    EXPECT_EQ(run.exitCode, 0) << run.errors.join('\n').toStdString();
-    EXPECT_EQ(run.output, QStringList{"255"});
-}
-
-// An older text may open a bracket or a comment it never closes; the next line is a statement of
-// its own.
-TEST(Importer, AnOpenBracketInAnOlderTextEndsWithItsLine)
-{
-    const QString older = "var N : Number\nTextOut([OUT:Spannung (V]);\nStatusBar(Wert (*alt);\nHexToInt(IN:FF,OUT:N):0;\nLog(N)\n";
-    THost host;
-    QStringList warnings;
-    const QString converted = ConvertScript(older, host.Commands(), &warnings);
-    EXPECT_TRUE(warnings.isEmpty()) << warnings.join('\n').toStdString();
-    EXPECT_EQ(converted.section('\n', 2, 2), "StatusText(Text := \"Wert (*alt\");");
-    EXPECT_EQ(converted.section('\n', 3, 3), "NumberConvert(Operation := \"ccHexToInt\", Input := \"FF\", Output := N, Stellen := 0);");
-    const TScriptOutcome run = RunScriptText(converted);
-    EXPECT_EQ(run.exitCode, 0) << converted.toStdString() << run.errors.join('\n').toStdString();
-    EXPECT_EQ(run.output, (QStringList{"Spannung (V", "255"}));
+    const struct { QString older; std::map<int, QString> lines; QStringList output; } rows[] = {  // converted lines by index
+        {"var X : Number\nprocedure Wandle(H : String; var Y : Number);\n  HexToInt(IN:H,OUT:Y):0;\nend procedure\nWandle(\"FF\", X)\nLog(X)\n",
+         {{2, "  NumberConvert(Operation := \"ccHexToInt\", Input := H, Output := Y, Stellen := 0);"}}, {"255"}},
+        {"var N : Number\nTextOut([OUT:Spannung (V]);\nStatusBar(Wert (*alt);\nHexToInt(IN:FF,OUT:N):0;\nLog(N)\n",
+         {{2, "StatusText(Text := \"Wert (*alt\");"},
+          {3, "NumberConvert(Operation := \"ccHexToInt\", Input := \"FF\", Output := N, Stellen := 0);"}},
+         {"Spannung (V", "255"}},
+    };
+    for (const auto& r : rows) {
+        const TConverted c = Convert(r.older);
+        EXPECT_TRUE(c.warnings.isEmpty()) << c.warnings.join('\n').toStdString();
+        for (const auto& [index, line] : r.lines) EXPECT_EQ(c.text.section('\n', index, index), line);
+        const TScriptOutcome run = RunScriptText(c.text);
+        EXPECT_EQ(run.exitCode, 0) << c.text.toStdString() << run.errors.join('\n').toStdString();
+        EXPECT_EQ(run.output, r.output);
+    }
 }
 
 // Each command tells its older lines from current calls of the same procedure.
 TEST(Importer, EachCommandKnowsTheShapeOfItsOlderLines)
 {
-    const struct {
-        const char* procedure;
-        const char* line;
-        bool older;
-    } rows[] = {
+    const struct { const char *procedure, *line; bool older; } rows[] = {
         {"NumberConvert", "HexToInt(IN:FF,OUT:X):0;", true},
         {"NumberConvert", "hextoint (IN:FF,OUT:X):0", true},
         {"NumberConvert", "HexToInt(IN:\"F\"F\",OUT:X):0;", true},  // quotes of the older text
@@ -286,29 +274,50 @@ TEST(Importer, EachCommandKnowsTheShapeOfItsOlderLines)
     }
 }
 
-// A line that cannot become a current line stays as it was, marked, and is named in a warning.
-TEST(Importer, UnconvertibleLinesAreKeptWithTheirReason)
+// The conversion passes the structure lines through their commands' RecodeScript: an older script's
+// case branches become runnable, decimal commas become points, and structure lines already in the
+// current form stay as they are.
+TEST(StructureRecode, OlderCaseBranchesAndDecimalCommasAreConvertedAndTheScriptRuns)
 {
-    const struct {
-        const char* line;
-        const char* reason;
-    } rows[] = {
-        {"HexToInt(IN:FF,OUT:A[1]):0;", "Output erwartet eine Variable, nicht \"A[1]\""},
-        {"formatstr(IN:x,OUT:A);", "keine ältere Zeile von StringBearbeitung"},  // decoded only as "FormatStr("
-        {"HexToInt(IN:FF,OUT:end):0;", "bei 'end'"},  // a name, but a keyword: the new line does not parse
+    const QStringList older = {
+        "var Modus : Number = 3",
+        "var Wert : Number = 1",
+        "var Text : String = \"a,b\"",
+        "//  Auswahl   ",
+        "case  Modus  of",
+        "  1:",
+        "    Text := \"eins\"",
+        "  2 :",
+        "    Text := \"zwei\"",
+        "  3:",
+        "    Text := \"drei\"",
+        "  631:end case",
+        "93:if Wert < 1,5 then  ",
+        "  Log(Text)",
+        "911:else",
+        "  Log(\"nein\")",
+        "912:end if;",
+        "if Text = \"a,b\" then",
+        "  Log(\"Komma\")",
+        "end if",
+        "  for I := 1 to 2 do  ",
     };
-    for (const auto& r : rows) {
-        THost host;
-        QStringList warnings;
-        const QString converted = ConvertScript(QString("var A : Array of Number\n") + r.line, host.Commands(), &warnings);
-        EXPECT_TRUE(converted.startsWith(QString("var A : Array of Number\n") + r.line + " // nicht umgesetzt: ")) << converted.toStdString();
-        ASSERT_EQ(warnings.size(), 1) << r.line;
-        EXPECT_TRUE(warnings[0].startsWith("Zeile 2: nicht umgesetzt: ") && warnings[0].contains(r.reason)) << warnings[0].toStdString();
-        // The line fails as the older one would have in this host, and nothing else does.
-        const TScriptOutcome run = RunScriptText(converted);
-        EXPECT_EQ(run.exitCode, 2) << converted.toStdString();
-        EXPECT_TRUE(run.errors.join('\n').startsWith("test.dvs:2:")) << run.errors.join('\n').toStdString();
-    }
+    // Only the older branches and the decimal comma change; comments, heads and their blanks stay.
+    QStringList converted = older;
+    converted[5] = "  select 1:";
+    converted[7] = "  select 2 :";
+    converted[9] = "  select 3:";
+    converted[12] = "93:if Wert < 1.5 then  ";
+    for (const QString& eol : {QString("\n"), QString("\r\n")}) EXPECT_EQ(Convert(older.join(eol)).text, converted.join(eol));
+    // Lines inside a block comment are text: an older branch there stays.
+    const QString commented = "var M : Number\ncase M of\n(*\n  3:\n*)\nend case\n";
+    EXPECT_EQ(Convert(commented).text, commented);
+    EXPECT_EQ(RunScriptText(commented).exitCode, 0);
+    // The for line without its block is there for the conversion only.
+    EXPECT_EQ(RunScriptText(older.mid(0, 20).join('\n')).exitCode, 2);
+    const TScriptOutcome run = RunScriptText(converted.mid(0, 20).join('\n'));
+    EXPECT_EQ(run.exitCode, 0) << run.errors.join('\n').toStdString();
+    EXPECT_EQ(run.output, QStringList{"drei"});
 }
 
 }  // namespace

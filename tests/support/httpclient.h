@@ -11,10 +11,7 @@
 
 namespace dv::test {
 
-struct THttpReply {
-    int status = 0;
-    QByteArray body;
-};
+struct THttpReply { int status = 0; QByteArray body; };
 
 // Sends one request to 127.0.0.1:port; status 0 when nothing answered within waitSeconds.
 inline THttpReply Http(int port, const QByteArray& request, int waitSeconds = 20)

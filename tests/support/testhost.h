@@ -13,13 +13,7 @@
 
 namespace dv::test {
 
-struct TOutputLine {
-    QString text;
-    QString font;
-    int size;
-    int style;
-    int color;
-};
+struct TOutputLine { QString text, font; int size, style, color; };
 
 class TTestVariable : public TDVVariable {
 public:

@@ -1,5 +1,5 @@
-// The workbench's editor driven through its widgets: calls and structure blocks written and
-// re-edited through the commands' dialogs, the palette, tooltips, syntax marks, find and replace,
+// The workbench's editor driven through its widgets: calls, structure blocks and scope lines written
+// and re-edited through the commands' dialogs, the palette, tooltips, syntax marks, find and replace,
 // and the older lines converted.
 #include "framework/catalogue.h"
 #include "framework/registry.h"
@@ -11,6 +11,7 @@
 #include "workbench/palette.h"
 #include "workbench/scripteditor.h"
 
+#include <QComboBox>
 #include <QCompleter>
 #include <QDialog>
 #include <QHelpEvent>
@@ -27,6 +28,7 @@ namespace dv::workbench {
 namespace {
 
 using dv::test::Click;
+using dv::test::Find;
 using dv::test::OnModal;
 using dv::test::Type;
 using test::ReadText;
@@ -35,46 +37,39 @@ using test::WorkbenchTest;
 
 TEST_F(WorkbenchTest, PaletteInsertsATcpCallWrittenFromItsDialogWithNamedArguments)
 {
-    SetScript("var Antwort : String\n\nLog(Antwort)");
-    window.Editor().GoToLine(2);
+    SetScript("var Spannung : Number\nvar Kurve : Array of Number\nvar Antwort : String\n\nLog(Antwort)");
+    window.Editor().GoToLine(4);
     QStringList offered;
-    OnModal("TFormTCP", [&offered](QWidget& d) {
-        const QCompleter* completer = dv::test::Find<QLineEdit>(d, "DVEdit_Result").completer();
-        if (const auto* names = completer ? qobject_cast<QStringListModel*>(completer->model()) : nullptr) {
-            offered = names->stringList();
-        }
+    InsertFromPalette("TCP", "TFormTCP", [&offered](QWidget& d) {
+        // A completer that is no case-insensitive list of names offers nothing.
+        const QCompleter* completer = Find<QLineEdit>(d, "DVEdit_Result").completer();
+        const auto* names = completer ? qobject_cast<QStringListModel*>(completer->model()) : nullptr;
+        if (names && completer->caseSensitivity() == Qt::CaseInsensitive) offered = names->stringList();
         Type(d, "DVEdit_Host", "\"127.0.0.1\"");
         Type(d, "DVEdit_Port", "5000");
         Type(d, "DVEdit_Send", "\"PING\"");
         Type(d, "DVEdit_Result", "Antwort");
         Click(d, "BT_OK");
     });
-    TCommandPalette& palette = window.Palette();
-    palette.setCurrentItem(palette.ItemOf("TCP"));
-    QTest::keyClick(&palette, Qt::Key_Return);
     // The untouched sentinel keeps its default; as it is not trailing, it is written out.
-    EXPECT_EQ(window.Editor().LineText(2),
+    EXPECT_EQ(window.Editor().LineText(4),
               "TCP(Host := \"127.0.0.1\", Port := 5000, Send := \"PING\", Sentinel := [10], Result := Antwort);");
-    EXPECT_EQ(window.Editor().LineText(3), "Log(Antwort)");
-    EXPECT_EQ(offered, QStringList({"PROJEKTPFAD", "Antwort"})) << "the dialog offers the declared variables";
+    EXPECT_EQ(window.Editor().LineText(5), "Log(Antwort)");
+    EXPECT_EQ(offered, QStringList({"PROJEKTPFAD", "Spannung", "Kurve", "Antwort"})) << "the dialog offers the declared variables";
     window.Editor().CheckNow();
     EXPECT_TRUE(window.Editor().LastCheck().errors.empty()) << "the written line must read back as a call";
 }
 
 TEST_F(WorkbenchTest, PaletteListsEveryCatalogueRowUnderItsSubsystem)
 {
+    const QStringList names{"Text", "Struktur", "System", "Dialoge", "Scope", "Bild", "Labor"};  // in the subsystems' order
     QStringList groups;
     for (int i = 0; i < window.Palette().topLevelItemCount(); ++i) groups << window.Palette().topLevelItem(i)->text(0);
-    EXPECT_EQ(groups, QStringList({"Text", "Struktur", "System", "Dialoge", "Scope", "Bild", "Labor"}));
-    const std::pair<const char*, const char*> placed[] = {
-        {"ArrayToStr", "Text"}, {"(loop)", "Struktur"}, {"(comment)", "Struktur"}, {"TCP", "System"},
-        {"MeldungsBox", "Dialoge"}, {"FormResult", "Dialoge"}, {"Scope", "Scope"}, {"ImageCapture", "Bild"},
-        {"ShowLabor", "Labor"},
-    };
-    for (const auto& [procedure, group] : placed) {
-        const QTreeWidgetItem* item = window.Palette().ItemOf(procedure);
-        ASSERT_TRUE(item && item->parent()) << procedure;
-        EXPECT_EQ(item->parent()->text(0), group) << procedure;
+    EXPECT_EQ(groups, names);
+    for (const dv::TCatalogueRow& row : dv::Catalogue()) {
+        const QTreeWidgetItem* item = window.Palette().ItemOf(row.procedure);
+        ASSERT_TRUE(item && item->parent()) << row.procedure;
+        EXPECT_EQ(item->parent()->text(0), names.value(static_cast<int>(row.group))) << row.procedure;
     }
     int rows = 0;
     for (int i = 0; i < window.Palette().topLevelItemCount(); ++i) rows += window.Palette().topLevelItem(i)->childCount();
@@ -114,7 +109,7 @@ TEST_F(WorkbenchTest, EditingALineAndCancellingChangesNothingWhileOkRewritesItIn
     SetScript("var Antwort : String\n" + line);
     window.Editor().GoToLine(2);
     OnModal("TFormTCP", [](QWidget& d) {
-        EXPECT_EQ(dv::test::Find<QLineEdit>(d, "DVEdit_Host").text(), "\"h\"");
+        EXPECT_EQ(Find<QLineEdit>(d, "DVEdit_Host").text(), "\"h\"");
         Type(d, "DVEdit_Port", "99");
         static_cast<QDialog&>(d).reject();
     });
@@ -131,15 +126,6 @@ TEST_F(WorkbenchTest, EditingALineAndCancellingChangesNothingWhileOkRewritesItIn
               "    TCP(Host := \"h\", Port := 99, Send := \"x\", Sentinel := [10], Result := Antwort);");
 }
 
-// Opens the palette row's dialog with Enter; fill works the dialog named form and closes it.
-void InsertFromPalette(TMainWindow& window, const char* row, const char* form, std::function<void(QWidget&)> fill)
-{
-    OnModal(form, std::move(fill));
-    TCommandPalette& palette = window.Palette();
-    palette.setCurrentItem(palette.ItemOf(row));
-    QTest::keyClick(&palette, Qt::Key_Return);
-}
-
 // Types a new line below line as the user would: end of the line, Return, the text.
 void TypeBelow(TScriptEditor& editor, int line, const QString& text)
 {
@@ -149,21 +135,22 @@ void TypeBelow(TScriptEditor& editor, int line, const QString& text)
     QTest::keyClicks(&editor, text);
 }
 
-// OK on the if dialog; a condition its parser does not read keeps it open, so it is closed then.
-void ConfirmCondition(QWidget& dialog, const QString& condition)
+// Types text into the box and presses OK; a text the dialog refuses keeps it open, so it is closed then.
+void Confirm(QWidget& dialog, const char* box, const QString& text)
 {
-    Type(dialog, "Edit_Vergleich1", condition);
+    Type(dialog, box, text);
     Click(dialog, "BT_OK");
-    EXPECT_FALSE(dialog.isVisible()) << "condition refused: " << condition.toStdString();
+    EXPECT_FALSE(dialog.isVisible()) << "refused: " << text.toStdString();
     if (dialog.isVisible()) static_cast<QDialog&>(dialog).reject();
 }
+void ConfirmCondition(QWidget& dialog, const QString& condition) { Confirm(dialog, "Edit_Vergleich1", condition); }
 
 TEST_F(WorkbenchTest, LoopAndIfBlocksInsertedFromTheStructureGroupAreWrittenInPlaceAndRun)
 {
     SetScript("var I : Number\nvar Summe : Number\n\nLog(Summe)");
     EXPECT_EQ(window.Palette().ItemOf("(loop)")->parent()->text(0), "Struktur");
     window.Editor().GoToLine(3);
-    InsertFromPalette(window, "(loop)", "TDVGUILoop", [](QWidget& d) {
+    InsertFromPalette("(loop)", "TDVGUILoop", [](QWidget& d) {
         Click(d, "RadioFor");
         Type(d, "Edit_LoopVarName", "I");
         Type(d, "Edit_StartValue", "1");
@@ -173,7 +160,7 @@ TEST_F(WorkbenchTest, LoopAndIfBlocksInsertedFromTheStructureGroupAreWrittenInPl
     EXPECT_EQ(window.Editor().toPlainText(), "var I : Number\nvar Summe : Number\nfor I := 1 to 4 do\n93:end for\nLog(Summe)");
     TypeBelow(window.Editor(), 3, "  Summe := Summe + I");
     // Inserted below an indented line, the whole block takes its indentation.
-    InsertFromPalette(window, "(if-then-else)", "TIfThenElse", [](QWidget& d) { ConfirmCondition(d, "I = 4"); });
+    InsertFromPalette("(if-then-else)", "TIfThenElse", [](QWidget& d) { ConfirmCondition(d, "I = 4"); });
     TypeBelow(window.Editor(), 5, "    Log(\"letzte Runde\")");
     EXPECT_EQ(window.Editor().toPlainText(),
               "var I : Number\nvar Summe : Number\nfor I := 1 to 4 do\n  Summe := Summe + I\n  if I = 4 then\n"
@@ -189,90 +176,62 @@ TEST_F(WorkbenchTest, CaseAndCommentRowsWriteTheirLinesBelowTheCurrentOne)
 {
     SetScript("var N : Number = 2\nLog(N)");
     window.Editor().GoToLine(2);
-    InsertFromPalette(window, "(comment)", "TBemerkung", [](QWidget& d) {
+    InsertFromPalette("(comment)", "TBemerkung", [](QWidget& d) {
         Type(d, "Edit_Bemerkung", "Auswahl nach N");
         Click(d, "BT_OK");
     });
     EXPECT_EQ(window.Editor().LineText(3), "// Auswahl nach N");
-    InsertFromPalette(window, "(case)", "T_Case", [](QWidget& d) {
+    InsertFromPalette("(case)", "T_Case", [](QWidget& d) {
         Type(d, "Edit_Selektor", "N");
         Click(d, "BT_OK");
     });
     EXPECT_EQ(window.Editor().toPlainText(), "var N : Number = 2\nLog(N)\n// Auswahl nach N\ncase N of\n631:end case");
 }
 
-// F2 on a line, act works the dialog named form; the line as it reads afterwards.
-QString EditLineWith(TMainWindow& window, const QString& line, const char* form, std::function<void(QWidget&)> act)
-{
-    window.Editor().setPlainText("var R : String\nvar N : Number\n" + line);
-    window.Editor().GoToLine(3);
-    bool shown = false;
-    OnModal(form, [&shown, act](QWidget& d) {
-        shown = true;
-        act(d);
-    });
-    window.EditCurrentLine();
-    EXPECT_TRUE(shown) << "no " << form << " for " << line.toStdString();
-    return window.Editor().LineText(3);
-}
-
 TEST_F(WorkbenchTest, EditingALineKeepsItsMarkerAndWhatFollowsTheStatement)
 {
-    const auto port = [](QWidget& d) {
-        Type(d, "DVEdit_Port", "2");
-        Click(d, "BT_OK");
-    };
     const QString tcp = "TCP(Host := \"h\", Port := 2, Send := \"x\", Sentinel := [10], Result := R);";
-    const struct {
-        QString line;
-        const char* form;
-        std::function<void(QWidget&)> act;
-        QString edited;
-    } rows[] = {
-        {"TCP(Host := \"h\", Port := 1, Send := \"x\", Result := R); // Messgeraet", "TFormTCP", port, tcp + " // Messgeraet"},
-        {"  TCP(Host := \"h\", Port := 1, Send := \"x\", Result := R);  Log(R)", "TFormTCP", port, "  " + tcp + "  Log(R)"},
-        {"TCP(Host := \"(\", Port := 1, Send := \")\", Result := R) Log(R)", "TFormTCP", port,
+    const struct { QString line; const char *form, *box, *shown, *typed; QString edited; } rows[] = {  // shown: nullptr, unchecked
+        {"TCP(Host := \"h\", Port := 1, Send := \"x\", Result := R); // Messgeraet", "TFormTCP", "DVEdit_Port", nullptr, "2",
+         tcp + " // Messgeraet"},
+        {"  TCP(Host := \"h\", Port := 1, Send := \"x\", Result := R);  Log(R)", "TFormTCP", "DVEdit_Port", nullptr, "2",
+         "  " + tcp + "  Log(R)"},
+        {"TCP(Host := \"(\", Port := 1, Send := \")\", Result := R) Log(R)", "TFormTCP", "DVEdit_Port", nullptr, "2",
          "TCP(Host := \"(\", Port := 2, Send := \")\", Sentinel := [10], Result := R); Log(R)"},
-        {"  93:until N >= 3;", "TDVGUILoop",
-         [](QWidget& d) {
-             EXPECT_EQ(dv::test::Find<QLineEdit>(d, "Edit_RepeatCondition").text(), "N >= 3");
-             Type(d, "Edit_RepeatCondition", "N >= 4");
-             Click(d, "BT_OK");
-         },
-         "  93:until N >= 4;"},
-        {"until N > 1; Log(\"do\") // fertig", "TDVGUILoop",
-         [](QWidget& d) {
-             Type(d, "Edit_RepeatCondition", "N > 2");
-             Click(d, "BT_OK");
-         },
-         "until N > 2; Log(\"do\") // fertig"},
-        {"while N < 3 do // warten", "TDVGUILoop",
-         [](QWidget& d) {
-             Type(d, "Edit_WhileCondition", "N < 4");
-             Click(d, "BT_OK");
-         },
-         "while N < 4 do // warten"},
-        {"if N > 1 then Log(\"gross\")", "TIfThenElse", [](QWidget& d) { ConfirmCondition(d, "N > 5"); },
-         "if N > 5 then Log(\"gross\")"},
+        {"  93:until N >= 3;", "TDVGUILoop", "Edit_RepeatCondition", "N >= 3", "N >= 4", "  93:until N >= 4;"},
+        {"until N > 1; Log(\"do\") // fertig", "TDVGUILoop", "Edit_RepeatCondition", nullptr, "N > 2", "until N > 2; Log(\"do\") // fertig"},
+        {"while N < 3 do // warten", "TDVGUILoop", "Edit_WhileCondition", nullptr, "N < 4", "while N < 4 do // warten"},
+        {"if N > 1 then Log(\"gross\")", "TIfThenElse", "Edit_Vergleich1", nullptr, "N > 5", "if N > 5 then Log(\"gross\")"},
     };
-    for (const auto& r : rows) EXPECT_EQ(EditLineWith(window, r.line, r.form, r.act), r.edited) << r.line.toStdString();
+    for (const auto& r : rows) {
+        SetScript("var R : String\nvar N : Number\n" + r.line);
+        window.Editor().GoToLine(3);
+        QString shown;
+        OnModal(r.form, [&](QWidget& d) {
+            shown = Find<QLineEdit>(d, r.box).text();
+            Confirm(d, r.box, r.typed);
+        });
+        window.EditCurrentLine();
+        EXPECT_EQ(window.Editor().LineText(3), r.edited) << r.line.toStdString();
+        if (r.shown) { EXPECT_EQ(shown, r.shown); }
+    }
 }
 
 TEST_F(WorkbenchTest, EndAndRepeatLinesOfLoopsAnswerWithTheLoopsMessage)
 {
-    const std::pair<const char*, const char*> rows[] = {
-        {"93:end for", "Sie können das Ende einer For- oder While-schleife nicht editieren, editieren Sie stattdessen den Schleifenkopf."},
-        {"  end while", "Sie können das Ende einer For- oder While-schleife nicht editieren, editieren Sie stattdessen den Schleifenkopf."},
-        {"repeat", "Eine Repeat-Anweisung kann nicht editiert werden. Bitte editieren Sie die abschliessende Until-Anweisung."},
+    const QString end = "Sie können das Ende einer For- oder While-schleife nicht editieren, editieren Sie stattdessen den Schleifenkopf.";
+    const QString repeat = "Eine Repeat-Anweisung kann nicht editiert werden. Bitte editieren Sie die abschliessende Until-Anweisung.";
+    const std::pair<const char*, QString> rows[] = {
+        {"93:end for", end}, {"end for", end}, {"  end while", end}, {"93:end while", end}, {"repeat", repeat},
     };
     for (const auto& [line, message] : rows) {
+        SetScript(QString("var R : String\nvar N : Number\n") + line);
+        window.Editor().GoToLine(3);
         QString shown;
-        const QString after = EditLineWith(window, line, "MessageDlg", [&shown](QWidget& box) {
-            shown = static_cast<QMessageBox&>(box).text();
-            static_cast<QMessageBox&>(box).accept();
-        });
+        dv::test::OnMessage("MessageDlg", &shown);
+        EXPECT_FALSE(window.EditCurrentLine()) << line;
         EXPECT_EQ(shown, message) << line;
-        EXPECT_EQ(after, line);
+        EXPECT_EQ(window.Editor().LineText(3), line);
     }
     EXPECT_FALSE(CommandOfLine("end if", window.Commands())) << "only loops have a command for their end";
 }
@@ -284,7 +243,7 @@ TEST_F(WorkbenchTest, IfHeadIsEditedInPlaceThroughItsDialogAndCancelLeavesTheScr
     const QRect head = window.Editor().cursorRect(QTextCursor(window.Editor().document()->findBlockByNumber(2)));
     QString shown;
     OnModal("TIfThenElse", [&shown](QWidget& d) {
-        shown = dv::test::Find<QLineEdit>(d, "Edit_Vergleich1").text();
+        shown = Find<QLineEdit>(d, "Edit_Vergleich1").text();
         Type(d, "Edit_Vergleich1", "A > 5");
         Click(d, "BT_Cancel");
     });
@@ -317,11 +276,7 @@ TEST_F(WorkbenchTest, IfConditionsMayNameWhatIsDeclaredAtTheEditedLine)
         "end procedure\n"
         "if Grenze > 0 then\n"
         "end if";
-    const struct {
-        int line;
-        const char* condition;
-        bool accepted;
-    } rows[] = {
+    const struct { int line; const char* condition; bool accepted; } rows[] = {
         {4, "Kanal > Grenze and Wert > 2", true}, {4, "Antwort = \"ok\"", true}, {4, "Unbekannt > 1", false},
         {8, "Grenze > 2", true}, {8, "Kanal > 1", false},  // another procedure's parameter
         {11, "Grenze > 3", true}, {11, "Wert > 1", false},  // outside every procedure
@@ -345,7 +300,7 @@ TEST_F(WorkbenchTest, IfConditionsMayNameWhatIsDeclaredAtTheEditedLine)
     // A block inserted inside the procedure knows its names as well.
     SetScript(script);
     window.Editor().GoToLine(3);
-    InsertFromPalette(window, "(if-then-else)", "TIfThenElse", [](QWidget& d) { ConfirmCondition(d, "Wert > Kanal"); });
+    InsertFromPalette("(if-then-else)", "TIfThenElse", [](QWidget& d) { ConfirmCondition(d, "Wert > Kanal"); });
     EXPECT_EQ(window.Editor().LineText(4), "  if Wert > Kanal then");
 }
 
@@ -397,7 +352,7 @@ TEST_F(WorkbenchTest, OlderLinesAreConvertedAsDvrunConvertsThemAfterThePreviewAn
     const QString original = window.Editor().toPlainText();
     int listed = 0;
     OnModal("ConvertPreview", [&](QWidget& d) {
-        listed = dv::test::Find<QTreeWidget>(d, "Changes").topLevelItemCount();
+        listed = Find<QTreeWidget>(d, "Changes").topLevelItemCount();
         static_cast<QDialog&>(d).reject();
     });
     EXPECT_FALSE(window.ConvertOlderLines());
@@ -434,19 +389,92 @@ TEST(ScriptHighlighter, ColoursWhatTheTokenizerReads)
     editor.setPlainText("while X < 3 do TCP(Host := \"a\") // Ende");
     const QList<QTextLayout::FormatRange> ranges = editor.document()->firstBlock().layout()->formats();
     ASSERT_FALSE(ranges.isEmpty());
-    auto styleAt = [&](int position) {
+    auto colourAt = [&](int position) {
         QTextCharFormat f;
         for (const QTextLayout::FormatRange& r : ranges) {
             if (position >= r.start && position < r.start + r.length) f = r.format;
         }
-        return f;
+        return f.foreground().color();
     };
-    EXPECT_EQ(styleAt(0).foreground().color(), TScriptHighlighter::Format(TTokenStyle::Keyword).foreground().color());  // while
-    EXPECT_EQ(styleAt(10).foreground().color(), TScriptHighlighter::Format(TTokenStyle::Number).foreground().color());  // 3
-    EXPECT_EQ(styleAt(15).foreground().color(), TScriptHighlighter::Format(TTokenStyle::Command).foreground().color());  // TCP
-    EXPECT_EQ(styleAt(28).foreground().color(), TScriptHighlighter::Format(TTokenStyle::String).foreground().color());  // "a"
-    EXPECT_EQ(styleAt(36).foreground().color(), TScriptHighlighter::Format(TTokenStyle::Comment).foreground().color());  // Ende
-    EXPECT_NE(styleAt(6).foreground().color(), TScriptHighlighter::Format(TTokenStyle::Command).foreground().color());  // X
+    const auto colour = [](TTokenStyle style) { return TScriptHighlighter::Format(style).foreground().color(); };
+    // while, 3, TCP, "a", Ende
+    for (const auto& [position, style] : {std::pair{0, TTokenStyle::Keyword}, {10, TTokenStyle::Number}, {15, TTokenStyle::Command},
+                                          {28, TTokenStyle::String}, {36, TTokenStyle::Comment}}) {
+        EXPECT_EQ(colourAt(position), colour(style)) << position;
+    }
+    EXPECT_NE(colourAt(6), colour(TTokenStyle::Command));  // X
+}
+
+// Scope lines: written from the palette through the scope editor and run, and re-edited with F2,
+// where an unchanged editor gives back the same line.
+// F2 on the line; act works the scope editor and closes it.
+bool EditScopeLine(TMainWindow& window, int line, std::function<void(QWidget&)> act)
+{
+    window.Editor().GoToLine(line);
+    OnModal("TFormScope", std::move(act));
+    return window.EditCurrentLine();
+}
+
+TEST_F(WorkbenchTest, PaletteWritesAScopeCallThatRuns)
+{
+    SetScript("var A : Array of Number\nvar M : Number\nA[1] := 2\nA[2] := 4\nA[3] := 6\n");
+    window.Editor().GoToLine(6);
+    bool offersVariables = false;
+    InsertFromPalette("Scope", "TFormScope", [&offersVariables](QWidget& w) {
+        EXPECT_FALSE(Find<QCheckBox>(w, "CB_EN_Curve1").isChecked()) << "a new call opens on an empty editor";
+        EXPECT_EQ(Find<QComboBox>(w, "FuncSelect").currentIndex(), 0);
+        offersVariables = Find<QLineEdit>(w, "Edit_Result").completer() != nullptr;
+        OnModal("TScopeSource", [](QWidget& d) {
+            Click(d, "RB_Array");
+            Type(d, "Edit_Array", "A");
+            Type(d, "Edit_Array_Y", "1");
+            Click(d, "BT_OK");
+        });
+        Click(w, "BT_Source1");
+        Find<QComboBox>(w, "FuncSelect").setCurrentIndex(9);  // "x/y-Abfrage"
+        Find<QComboBox>(w, "CB_FxChoice1").setCurrentIndex(1);  // search by "Y"
+        Type(w, "Edit_FxParam1", "1");
+        Type(w, "Edit_Result", "M");
+        Click(w, "RB_HideScope");
+        Click(w, "BT_OK");
+    });
+    EXPECT_EQ(window.Editor().LineText(6), "Scope(Command := \"[HIDE],1:[ARRAY:A,FREQ:1],[FX:QUERY:1:2:1],[OUT:M]\", Special := \"\");");
+    EXPECT_TRUE(offersVariables);
+
+    RunToEnd();
+    // The curve's Y at X = 1 is the second element.
+    EXPECT_EQ(VariableValue("M"), "Number 4");
+}
+
+TEST_F(WorkbenchTest, F2OnAScopeLineGivesBackTheSameLineAndWritesWhatWasChanged)
+{
+    // A string literal whose source holds a quoted file name, with scaling in Special.
+    const QString literal = "Scope(Command := \"[SETSCALE],[HIDE],1:[FILE:\"\"/tmp/a b.txt\"\",SEP:59],[FX:MID:1],[OUT:M]\", "
+                            "Special := \"[SETSCALE:18:9:0:0:0:270]\");";
+    // An expression: the pieces between the tags stay as they were written.
+    const QString expression = "  Scope(Command := \"[CLR],1:[\" + Quelle + \"],[FX:MID:1],[OUT:M]\", Special := \"\");";
+    SetScript("var Quelle : String\nvar M : Number\n" + literal + '\n' + expression);
+
+    EXPECT_TRUE(EditScopeLine(window, 3, [](QWidget& w) {
+        EXPECT_EQ(Find<QLineEdit>(w, "Edit_Curve1").text(), "FILE:\"/tmp/a b.txt\",SEP:59");
+        Click(w, "BT_OK");
+    }));
+    EXPECT_EQ(window.Editor().LineText(3), literal);
+
+    EXPECT_FALSE(EditScopeLine(window, 4, [](QWidget& w) {
+        Type(w, "Edit_Result", "N");
+        Click(w, "BT_Cancel");
+    }));
+    EXPECT_EQ(window.Editor().LineText(4), expression);
+
+    EXPECT_TRUE(EditScopeLine(window, 4, [](QWidget& w) {
+        EXPECT_EQ(Find<QLineEdit>(w, "Edit_Curve1").text(), "\" + Quelle + \"");
+        Type(w, "Edit_Result", "N");
+        Click(w, "BT_OK");
+    }));
+    EXPECT_EQ(window.Editor().LineText(4), "  Scope(Command := \"[CLR],1:[\" + Quelle + \"],[FX:MID:1],[OUT:N]\", Special := \"\");");
+    window.Editor().CheckNow();
+    EXPECT_TRUE(window.Editor().LastCheck().errors.empty()) << "the written lines read back as calls";
 }
 
 }  // namespace

@@ -17,8 +17,8 @@ namespace dv::workbench {
 namespace {
 
 using dv::test::OnModal;
-using test::ReadBytes;
-using test::WriteBytes;
+using test::ReadFile;
+using test::WriteFile;
 using test::WorkbenchTest;
 
 TEST_F(WorkbenchTest, SavedScriptOpensAgainAndHeadsTheRecentFiles)
@@ -50,12 +50,7 @@ TEST_F(WorkbenchTest, ScriptFilesKeepTheirEncodingAndLineEndsThroughOpenAndSave)
 {
     const QString text = "Log(\"Prüfung µs €\")\nLog(\"zwei\")\n";
     const QString crlf = QString(text).replace("\n", "\r\n");
-    const struct {
-        const char* name;
-        QByteArray bytes;
-        TTextEncoding encoding;
-        bool crlf;
-    } rows[] = {
+    const struct { const char* name; QByteArray bytes; TTextEncoding encoding; bool crlf; } rows[] = {
         {"cp1252-crlf", QByteArray("Log(\"Pr\xfc" "fung \xb5s \x80\")\r\nLog(\"zwei\")\r\n"), TTextEncoding::Windows1252, true},
         {"cp1252-lf", QByteArray("Log(\"Pr\xfc" "fung \xb5s \x80\")\nLog(\"zwei\")\n"), TTextEncoding::Windows1252, false},
         {"utf16le-crlf", Utf16(crlf, QStringEncoder::Utf16LE), TTextEncoding::Utf16LE, true},
@@ -65,13 +60,13 @@ TEST_F(WorkbenchTest, ScriptFilesKeepTheirEncodingAndLineEndsThroughOpenAndSave)
     };
     for (const auto& r : rows) {
         const QString path = folder.filePath(QString(r.name) + ".dvs");
-        ASSERT_TRUE(WriteBytes(path, r.bytes));
+        WriteFile(path, r.bytes);
         ASSERT_TRUE(window.OpenFile(path)) << r.name;
         EXPECT_EQ(window.Editor().toPlainText(), text) << r.name;
         EXPECT_EQ(window.FileFormat().encoding, r.encoding) << r.name;
         EXPECT_EQ(window.FileFormat().crlf, r.crlf) << r.name;
         ASSERT_TRUE(window.SaveFile(path)) << r.name;
-        EXPECT_EQ(ReadBytes(path), r.bytes) << r.name;
+        EXPECT_EQ(ReadFile(path), r.bytes) << r.name;
     }
 
     // What the script logs is what was in the Windows file.
@@ -85,10 +80,10 @@ TEST_F(WorkbenchTest, ScriptFilesKeepTheirEncodingAndLineEndsThroughOpenAndSave)
     QTest::keyClick(&window.Editor(), Qt::Key_End);
     window.Editor().insertPlainText(" // Länge");
     ASSERT_TRUE(window.SaveFile(path));
-    EXPECT_EQ(ReadBytes(path), QByteArray("Log(\"Pr\xfc" "fung \xb5s \x80\")\r\nLog(\"zwei\") // L\xe4nge\r\n"));
+    EXPECT_EQ(ReadFile(path), QByteArray("Log(\"Pr\xfc" "fung \xb5s \x80\")\r\nLog(\"zwei\") // L\xe4nge\r\n"));
     window.Editor().insertPlainText(" \u2192");
     ASSERT_TRUE(window.SaveFile(path));
-    EXPECT_EQ(ReadBytes(path), QString("Log(\"Prüfung µs €\")\r\nLog(\"zwei\") // Länge \u2192\r\n").toUtf8());
+    EXPECT_EQ(ReadFile(path), QString("Log(\"Prüfung µs €\")\r\nLog(\"zwei\") // Länge \u2192\r\n").toUtf8());
     EXPECT_EQ(window.FileFormat().encoding, TTextEncoding::Utf8);
     EXPECT_TRUE(window.statusBar()->currentMessage().contains("UTF-8")) << window.statusBar()->currentMessage().toStdString();
 }
@@ -114,7 +109,7 @@ TEST_F(WorkbenchTest, UnsavedChangesAreOnlyDroppedWhenTheUserSaysSo)
     QAction* newScript = window.findChild<QAction*>("ActionNew");
     ASSERT_NE(newScript, nullptr);
     const QString path = folder.filePath("skript.dvs");
-    ASSERT_TRUE(WriteBytes(path, "Log(1)"));
+    WriteFile(path, "Log(1)");
     ASSERT_TRUE(window.OpenFile(path));
 
     newScript->trigger();  // nothing changed: no question
@@ -134,7 +129,7 @@ TEST_F(WorkbenchTest, UnsavedChangesAreOnlyDroppedWhenTheUserSaysSo)
 
     Answer("Ja");
     newScript->trigger();
-    EXPECT_EQ(ReadBytes(path), "Log(1)\nLog(2)");
+    EXPECT_EQ(ReadFile(path), "Log(1)\nLog(2)");
     EXPECT_TRUE(window.Editor().toPlainText().isEmpty());
 
     window.Editor().setPlainText("Log(3)");
@@ -147,7 +142,7 @@ TEST_F(WorkbenchTest, UnsavedChangesAreOnlyDroppedWhenTheUserSaysSo)
     ASSERT_NE(recent, nullptr);
     recent->actions().first()->trigger();
     EXPECT_EQ(window.Editor().toPlainText(), "Log(1)\nLog(2)");
-    EXPECT_EQ(ReadBytes(path), "Log(1)\nLog(2)") << "No: the file is not written";
+    EXPECT_EQ(ReadFile(path), "Log(1)\nLog(2)") << "No: the file is not written";
 }
 
 }  // namespace

@@ -10,7 +10,6 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QRegularExpression>
-#include <QScopeGuard>
 #include <QTcpServer>
 #include <QTextBlock>
 #include <QTextEdit>
@@ -24,29 +23,28 @@ namespace {
 using test::StopWhileWaiting;
 using test::ReadText;
 using test::WaitFor;
-using test::WriteBytes;
 using test::WorkbenchTest;
 
-TEST_F(WorkbenchTest, PassingRunShowsItsVerdictAndLogLines)
+// A passing run, one whose script does not read (it does not run), and one with a failed check, which
+// does not end the run: the verdict names the check, and its log line leads to its line.
+TEST_F(WorkbenchTest, RunsShowTheirVerdictAndLogAndAFailedCheckLeadsToItsLine)
 {
-    SetScript("var U : Number = 4.98\nLog(\"Spannung \" + U)\nCheck(U > 4.9, \"zu klein\")");
-    RunToEnd();
-    EXPECT_TRUE(window.Verdict().isVisible());
-    EXPECT_TRUE(window.Verdict().text().startsWith("Bestanden")) << window.Verdict().text().toStdString();
-    EXPECT_TRUE(LogRows().contains("2|Spannung 4.98|Info")) << LogRows().join('\n').toStdString();
-    ASSERT_TRUE(window.LastReport());
-    EXPECT_EQ(window.LastReport()->exitCode, 0);
-}
-
-TEST_F(WorkbenchTest, FailingRunNamesTheFailedCheckAndTheLogJumpsToItsLine)
-{
-    SetScript("var U : Number = 4.5\nLog(U)\nCheck(U > 4.9, \"zu klein\")\nLog(\"weiter\")");
-    RunToEnd();
-    EXPECT_TRUE(window.Verdict().text().startsWith("Fehlgeschlagen"));
+    const struct { const char* script; const char* verdict; int exitCode; const char* logged; bool isLogged; } rows[] = {
+        {"var U : Number = 4.98\nLog(\"Spannung \" + U)\nCheck(U > 4.9, \"zu klein\")", "Bestanden", 0, "2|Spannung 4.98|Info", true},
+        {"Log(1)\nLog(\n", "Fehlgeschlagen", 2, "1|1|Info", false},
+        {"var U : Number = 4.5\nLog(U)\nCheck(U > 4.9, \"zu klein\")\nLog(\"weiter\")", "Fehlgeschlagen", 1, "4|weiter|Info", true},
+    };
+    for (const auto& r : rows) {
+        SetScript(r.script);
+        RunToEnd();
+        EXPECT_TRUE(window.Verdict().isVisible());
+        EXPECT_TRUE(window.Verdict().text().startsWith(r.verdict)) << window.Verdict().text().toStdString();
+        EXPECT_EQ(LogRows().contains(r.logged), r.isLogged) << LogRows().join('\n').toStdString();
+        ASSERT_TRUE(window.LastReport());
+        EXPECT_EQ(window.LastReport()->exitCode, r.exitCode);
+    }
     EXPECT_TRUE(window.Verdict().text().contains("unbenannt.dvs:3: Prüfung fehlgeschlagen: zu klein"))
         << window.Verdict().text().toStdString();
-    // A failed check does not end the run.
-    EXPECT_TRUE(LogRows().contains("4|weiter|Info"));
     const QAbstractItemModel& log = *window.Log().model();
     QModelIndex failure;
     for (int i = 0; i < log.rowCount() && !failure.isValid(); ++i) {
@@ -63,36 +61,13 @@ TEST_F(WorkbenchTest, FailingRunNamesTheFailedCheckAndTheLogJumpsToItsLine)
     QTemporaryDir dir;
     const QString junit = dir.filePath("bericht.xml");
     ASSERT_TRUE(window.ExportJUnit(junit));
-    QFile report(junit);
-    ASSERT_TRUE(report.open(QIODevice::ReadOnly));
-    const QString xml = QString::fromUtf8(report.readAll());
+    const QString xml = ReadText(junit);
     EXPECT_TRUE(xml.contains("<failure")) << xml.toStdString();
     EXPECT_TRUE(xml.contains("zu klein"));
 }
 
-TEST_F(WorkbenchTest, StopEndsAScriptBlockedInALongExecAndMarksItsLineMeanwhile)
-{
-    SetScript("Log(\"vor Exec\")\nExec(ExePath := \"sleep\", Params := \"30\", TimeOut := -1)\nLog(\"nach Exec\")");
-    window.activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
-    bool readOnly = false;
-    const test::TStopped stopped = StopWhileWaiting(
-        window, 2, [&] { QTest::keyClick(&window.Editor(), Qt::Key_F5); },
-        [&] {
-            readOnly = window.Editor().isReadOnly();
-            QTest::keyClick(&window.Editor(), Qt::Key_F5, Qt::ShiftModifier);
-        });
-    RecordProperty("stop_ms", static_cast<int>(stopped.ms));
-    ASSERT_GE(stopped.ms, 0) << "the run did not wait in Exec or gave no verdict";
-    EXPECT_LT(stopped.ms, 100);
-    EXPECT_TRUE(readOnly);
-    EXPECT_TRUE(stopped.verdict.contains("Test abgebrochen")) << stopped.verdict.toStdString();
-    EXPECT_FALSE(LogRows().join('\n').contains("nach Exec"));
-    EXPECT_EQ(window.Editor().RunningLine(), 0);
-    EXPECT_FALSE(window.Editor().isReadOnly());
-}
-
-// Each command that waits on something outside the script ends its wait when the run is stopped.
+// Each command that waits on something outside the script ends its wait when the run is stopped
+// (F5, then Shift+F5); meanwhile the editor is read-only and marks the running line.
 TEST_F(WorkbenchTest, StopEndsEveryCommandsWaitWithin100Ms)
 {
     QTcpServer silentTcp;  // takes the connection and never answers
@@ -100,35 +75,38 @@ TEST_F(WorkbenchTest, StopEndsEveryCommandsWaitWithin100Ms)
     const QString pipeName = QString("dvwb-stumm-%1").arg(QCoreApplication::applicationPid());
     const TSocketFd silentPipe = localpipe::ListenEndpoint(pipeName);  // listens, never accepts
     const QString form = folder.filePath("formular.html");
-    ASSERT_TRUE(WriteBytes(form, "<html><body><form><input name=a><input type=submit></form></body></html>"));
+    dv::test::WriteFile(form, "<html><body><form><input name=a><input type=submit></form></body></html>");
     // The form window stands open without anyone filling it in: a browser that only waits.
     ASSERT_TRUE(QDir(folder.path()).mkpath("bin"));
-    const QString browser = folder.filePath("bin/dvformbrowser");
-    ASSERT_TRUE(WriteBytes(browser, "#!/bin/sh\nexec sleep 60\n"));
-    ASSERT_TRUE(QFile::setPermissions(browser, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
-    const QByteArray path = qgetenv("PATH");
-    qputenv("PATH", QFile::encodeName(folder.filePath("bin")) + ':' + path);
-    const auto restorePath = qScopeGuard([&path] { qputenv("PATH", path); });
-    const struct {
-        const char* name;
-        QString script;
-        int line;
-    } rows[] = {
+    dv::test::WriteProgram(folder.filePath("bin/dvformbrowser"), "exec sleep 60");
+    const dv::test::TScopedEnvironment path("PATH", QFile::encodeName(folder.filePath("bin")) + ':' + qgetenv("PATH"));
+    const struct { const char* name; QString script; int line; } rows[] = {
         {"TCP", QString("var R : String\nTCP(Host := \"127.0.0.1\", Port := %1, Send := \"x\", Result := R);\nLog(R)")
                     .arg(silentTcp.serverPort()), 2},
         {"CallNamedPipe", QString("var R : String\nCallNamedPipe(Name := \"\\\\.\\pipe\\%1\", Call := \"x\", Result := R);\nLog(R)")
                               .arg(pipeName), 2},
         {"FormResult", QString("var R : String\nFormShow(File := \"%1\");\nFormResult(Timeout := -1, Result := R);\nLog(R)").arg(form), 3},
-        {"Exec", "Exec(ExePath := \"sleep\", Params := \"30\", TimeOut := -1)\nLog(\"nach\")", 1},
+        {"Exec", "Log(\"vor\")\nExec(ExePath := \"sleep\", Params := \"30\", TimeOut := -1)\nLog(\"nach\")", 2},
     };
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
     for (const auto& r : rows) {
         SetScript(r.script);
-        const test::TStopped stopped = StopWhileWaiting(window, r.line, [&] { window.Run(); }, [&] { window.Stop(); });
+        bool readOnly = false;
+        const test::TStopped stopped = StopWhileWaiting(
+            window, r.line, [&] { QTest::keyClick(&window.Editor(), Qt::Key_F5); },
+            [&] {
+                readOnly = window.Editor().isReadOnly();
+                QTest::keyClick(&window.Editor(), Qt::Key_F5, Qt::ShiftModifier);
+            });
         RecordProperty(std::string("stop_ms_") + r.name, static_cast<int>(stopped.ms));
         ASSERT_GE(stopped.ms, 0) << r.name << ": did not wait, or gave no verdict\n" << LogRows().join('\n').toStdString();
         EXPECT_LT(stopped.ms, 100) << r.name;
+        EXPECT_TRUE(readOnly) << r.name;
         EXPECT_TRUE(stopped.verdict.contains("Test abgebrochen")) << r.name << ": " << stopped.verdict.toStdString();
         EXPECT_EQ(LogRows().filter("|Info").filter(QRegularExpression("^\\d+\\|(nach)?\\|")).size(), 0) << r.name;
+        EXPECT_EQ(window.Editor().RunningLine(), 0) << r.name;
+        EXPECT_FALSE(window.Editor().isReadOnly()) << r.name;
     }
 }
 
@@ -235,15 +213,6 @@ TEST_F(WorkbenchTest, AnEndlessLoggingLoopLeavesTheWindowResponsiveAndStopsAtOnc
     EXPECT_EQ(first, log.Dropped() + 1) << "every line before them is counted";
 }
 
-TEST_F(WorkbenchTest, ScriptWithSyntaxErrorsDoesNotRunAndLogsWhereTheyAre)
-{
-    SetScript("Log(1)\nLog(\n");
-    RunToEnd();
-    EXPECT_TRUE(window.Verdict().text().startsWith("Fehlgeschlagen"));
-    EXPECT_EQ(window.LastReport()->exitCode, 2);
-    EXPECT_FALSE(LogRows().contains("1|1|Info"));
-}
-
 TEST_F(WorkbenchTest, VariablesViewShowsTheValuesTheRunLeft)
 {
     window.SetProjectFolder(folder.path());
@@ -273,21 +242,20 @@ TEST_F(WorkbenchTest, TextOutputAndTheLaborCommandsReachTheLaborWindow)
     RunToEnd();
     EXPECT_TRUE(window.Labor().isVisible());
     EXPECT_EQ(window.Labor().Document().toPlainText(), "Hallo Labor\nRot fett\nBlau schraeg");
-    const QTextCharFormat red = FormatOf(window.Labor().Document(), "Rot fett");
-    EXPECT_TRUE(red.fontFamilies().toStringList().contains("Courier"));
-    EXPECT_EQ(red.fontPointSize(), 14);
-    EXPECT_EQ(red.foreground().color(), QColor(255, 0, 0));
-    EXPECT_EQ(red.fontWeight(), QFont::Bold);
-    EXPECT_TRUE(red.fontUnderline());
-    EXPECT_FALSE(red.fontItalic());
-    EXPECT_FALSE(red.fontStrikeOut());
-    const QTextCharFormat blue = FormatOf(window.Labor().Document(), "Blau schraeg");
-    EXPECT_EQ(blue.fontPointSize(), 8);
-    EXPECT_EQ(blue.foreground().color(), QColor(0, 0, 255));
-    EXPECT_NE(blue.fontWeight(), QFont::Bold);
-    EXPECT_TRUE(blue.fontItalic());
-    EXPECT_TRUE(blue.fontStrikeOut());
-    EXPECT_FALSE(blue.fontUnderline());
+    const struct { const char* text; int size; QColor colour; bool bold, italic, underline, strikeOut; } formats[] = {
+        {"Rot fett", 14, QColor(255, 0, 0), true, false, true, false},
+        {"Blau schraeg", 8, QColor(0, 0, 255), false, true, false, true},
+    };
+    for (const auto& f : formats) {
+        const QTextCharFormat format = FormatOf(window.Labor().Document(), f.text);
+        EXPECT_EQ(format.fontPointSize(), f.size) << f.text;
+        EXPECT_EQ(format.foreground().color(), f.colour) << f.text;
+        EXPECT_EQ(format.fontWeight() == QFont::Bold, f.bold) << f.text;
+        EXPECT_EQ(format.fontItalic(), f.italic) << f.text;
+        EXPECT_EQ(format.fontUnderline(), f.underline) << f.text;
+        EXPECT_EQ(format.fontStrikeOut(), f.strikeOut) << f.text;
+    }
+    EXPECT_TRUE(FormatOf(window.Labor().Document(), "Rot fett").fontFamilies().toStringList().contains("Courier"));
     const QString pdf = folder.filePath("labor.pdf");
     ASSERT_TRUE(window.Labor().ExportPdf(pdf));
     EXPECT_TRUE(ReadText(pdf).startsWith("%PDF"));
@@ -298,21 +266,14 @@ TEST_F(WorkbenchTest, TextOutputAndTheLaborCommandsReachTheLaborWindow)
 
 TEST(RunLog, HostLinesBecomeEntriesWithLevelAndLine)
 {
-    struct Case {
-        const char* hostLine;
-        int runningLine;
-        int line;
-        const char* message;
-        TLogLevel level;
-    };
-    const Case cases[] = {
+    const struct { const char* hostLine; int runningLine, line; const char* message; TLogLevel level; } cases[] = {
         {"LOG Spannung 5", 7, 7, "Spannung 5", TLogLevel::Info},
         {"FEHLER a.dvs:12: Division durch 0", 3, 12, "a.dvs:12: Division durch 0", TLogLevel::Error},
         {"PRÜFUNG FEHLGESCHLAGEN Zeile 4: zu klein", 9, 4, "PRÜFUNG FEHLGESCHLAGEN Zeile 4: zu klein", TLogLevel::Error},
         {"WARN Datei fehlt", 2, 2, "Datei fehlt", TLogLevel::Warning},
         {"STATUS bereit", 1, 1, "STATUS bereit", TLogLevel::Info},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         const TLogEntry e = MakeLogEntry(QString::fromUtf8(c.hostLine), c.runningLine);
         EXPECT_EQ(e.line, c.line) << c.hostLine;
         EXPECT_EQ(e.message, QString::fromUtf8(c.message)) << c.hostLine;

@@ -2,13 +2,15 @@
 // Driving the workbench's main window in tests: waiting on its event loop, a window with a scratch
 // folder and a script, and stopping a run while one of its commands waits.
 #include "commands/system/platform_process.h"
+#include "tests/commands/formdriver.h"
+#include "tests/support/process.h"
 #include "workbench/logmodel.h"
 #include "workbench/mainwindow.h"
+#include "workbench/palette.h"
 #include "workbench/scripteditor.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
-#include <QFile>
 #include <QLabel>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -30,23 +32,9 @@ inline bool WaitFor(const std::function<bool()>& pred, int ms)
     return pred();
 }
 
-inline QString ReadText(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
-}
-
-inline QByteArray ReadBytes(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-inline bool WriteBytes(const QString& path, const QByteArray& bytes)
-{
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
-}
+using dv::test::ReadFile;
+using dv::test::WriteFile;
+inline QString ReadText(const QString& path) { return QString::fromUtf8(ReadFile(path)); }
 
 // A shown main window; programs the scripts start write into the scratch folder.
 class WorkbenchTest : public ::testing::Test {
@@ -61,6 +49,13 @@ protected:
     {
         window.Editor().setPlainText(text);
         window.Editor().CheckNow();
+    }
+    // Opens the palette row's dialog with Enter; fill works the dialog named form and closes it.
+    void InsertFromPalette(const char* row, const QString& form, std::function<void(QWidget&)> fill)
+    {
+        dv::test::OnModal(form, std::move(fill));
+        window.Palette().setCurrentItem(window.Palette().ItemOf(row));
+        QTest::keyClick(&window.Palette(), Qt::Key_Return);
     }
     void RunToEnd()
     {
@@ -89,10 +84,8 @@ protected:
     TMainWindow window;
 };
 
-struct TStopped {
-    qint64 ms = -1;  // from the stop request to the verdict; -1 when no verdict came
-    QString verdict;
-};
+// ms: from the stop request to the verdict; -1 when no verdict came.
+struct TStopped { qint64 ms = -1; QString verdict; };
 
 // Runs the window's script until line is the running line, lets the command there settle into
 // its wait, and then stops the run through stop (F5 and Shift+F5, or Stop()).

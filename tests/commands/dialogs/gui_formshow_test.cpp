@@ -5,11 +5,11 @@
 #include "host/hostservices.h"
 #include "tests/commands/params.h"
 #include "tests/support/httpclient.h"
+#include "tests/support/process.h"
 #include "tests/support/testhost.h"
 
 #include <QCoreApplication>
 #include <QDir>
-#include <QFile>
 #include <QTemporaryDir>
 #include <QUrl>
 
@@ -28,34 +28,14 @@ using namespace std::chrono_literals;
 
 constexpr qsizetype kMiB = 1024 * 1024;
 
-QByteArray Get(const QUrl& url, const QByteArray& path, const QByteArray& host = {})
-{
-    return GetRequest(url.port(), path, host);
-}
-
-QByteArray Post(const QUrl& url, const QByteArray& body)
-{
-    return PostRequest(url.port(), url.path(QUrl::FullyEncoded).toUtf8(), body);
-}
-
-void WriteFile(const QString& path, const QByteArray& text)
-{
-    QFile f(path);
-    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-    f.write(text);
-}
+QByteArray Post(const QUrl& url, const QByteArray& body) { return PostRequest(url.port(), url.path(QUrl::FullyEncoded).toUtf8(), body); }
 
 // Shows File through FormShow; the message of what it raised, or "".
 QString Show(TDVParser& parser, const QString& file)
 {
     TDVCmdFormShow show(&parser);
     TParamList params = MakeParams({{"File", file.toUtf8().constData()}});
-    try {
-        show.Run(params);
-    } catch (const TDravikException& e) {
-        return e.Message();
-    }
-    return {};
+    return RaisedMessage<TDravikException>([&] { show.Run(params); }).value_or("");
 }
 
 class FormTest : public testing::Test {
@@ -85,11 +65,7 @@ protected:
     {
         return std::async(std::launch::async, [this, params = MakeParams(rows)]() mutable {
             TDVCmdFormResult result(&host);
-            try {
-                result.RunThreaded(params);
-            } catch (const TDravikException& e) {
-                failure = e.Message();
-            }
+            failure = RaisedMessage<TDravikException>([&] { result.RunThreaded(params); }).value_or(failure);
         });
     }
     // Waits for a FormResult started by StartResult; one that still waits after 10 s is stopped so
@@ -101,6 +77,7 @@ protected:
         waiting.wait();
         return false;
     }
+    bool Ended(std::future<void>&& waiting) { return Ended(waiting); }
 
     int argc = 0;
     std::unique_ptr<QCoreApplication> app;
@@ -113,27 +90,22 @@ protected:
 
 TEST_F(FormTest, ServesOnlyTheFormsFolderToThisHostUnderItsToken)
 {
-    const QByteArray token = ShownForm()->Token().toUtf8();
+    const QByteArray token = ShownForm()->Token().toUtf8(), path = url.path().toUtf8();
+    const int port = url.port();
     EXPECT_EQ(url.host(), "127.0.0.1");
     EXPECT_TRUE(url.path().endsWith("/eingabe.html"));
-    struct Row {
-        QByteArray request;
-        int status;
+    const std::pair<QByteArray, int> rows[] = {
+        {GetRequest(port, path), 200},
+        {GetRequest(port, "/" + token + "/stil.css"), 200},
+        {GetRequest(port, "/" + token + "/../geheim.txt"), 403},
+        {GetRequest(port, "/" + token + "/%2e%2e/geheim.txt"), 403},
+        {GetRequest(port, "/" + token + "x/eingabe.html"), 404},
+        {GetRequest(port, "/eingabe.html"), 404},
+        {GetRequest(port, "/" + token + "/fehlt.html"), 404},
+        {GetRequest(port, path, "fremd.example:80"), 403},
     };
-    const Row rows[] = {
-        {Get(url, url.path().toUtf8()), 200},
-        {Get(url, "/" + token + "/stil.css"), 200},
-        {Get(url, "/" + token + "/../geheim.txt"), 403},
-        {Get(url, "/" + token + "/%2e%2e/geheim.txt"), 403},
-        {Get(url, "/" + token + "x/eingabe.html"), 404},
-        {Get(url, "/eingabe.html"), 404},
-        {Get(url, "/" + token + "/fehlt.html"), 404},
-        {Get(url, url.path().toUtf8(), "fremd.example:80"), 403},
-    };
-    for (const Row& r : rows) {
-        EXPECT_EQ(Http(url.port(), r.request).status, r.status) << r.request.left(80).toStdString();
-    }
-    EXPECT_EQ(Http(url.port(), Get(url, url.path().toUtf8())).body, "<form method=post><input name=Name></form>");
+    for (const auto& [request, status] : rows) EXPECT_EQ(Http(port, request).status, status) << request.left(80).toStdString();
+    EXPECT_EQ(Http(port, GetRequest(port, path)).body, "<form method=post><input name=Name></form>");
 }
 
 // 1 MiB of body is the most a form takes. A larger one is refused by its Content-Length before any
@@ -144,8 +116,7 @@ TEST_F(FormTest, BodiesUpToOneMebibyteAreTakenLargerOnesRefusedBeforeTheyArrive)
     const QByteArray path = url.path(QUrl::FullyEncoded).toUtf8();
     const QByteArray exactly = "A=" + QByteArray(kMiB - 2, 'x');
     EXPECT_EQ(Http(url.port(), PostRequest(url.port(), path, exactly)).status, 200);
-    std::future<void> waiting = StartResult({{"Close", "False"}, {"Timeout", "5000"}, {"Result", "Antwort"}});
-    ASSERT_TRUE(Ended(waiting));
+    ASSERT_TRUE(Ended(StartResult({{"Close", "False"}, {"Timeout", "5000"}, {"Result", "Antwort"}})));
     EXPECT_EQ(host.ValueText("Antwort").size(), kMiB);
 
     EXPECT_EQ(Http(url.port(), PostRequest(url.port(), path, exactly + 'x')).status, 413);
@@ -157,8 +128,7 @@ TEST_F(FormTest, BodiesUpToOneMebibyteAreTakenLargerOnesRefusedBeforeTheyArrive)
     for (int i = 0; i < 40; ++i) chunked += "10000\r\n" + QByteArray(0x10000, 'x') + "\r\n";
     EXPECT_EQ(Http(url.port(), chunked + "0\r\n\r\n", 5).status, 413);
     // None of the refused bodies became a submission.
-    std::future<void> none = StartResult({{"Timeout", "50"}, {"Result", "Antwort"}});
-    ASSERT_TRUE(Ended(none));
+    ASSERT_TRUE(Ended(StartResult({{"Timeout", "50"}, {"Result", "Antwort"}})));
     EXPECT_EQ(host.ValueText("Antwort"), "");
 }
 
@@ -172,7 +142,7 @@ TEST_F(FormTest, PostAndGetSubmissionsReachResultUrlEncoded)
     EXPECT_EQ(host.ValueText("Antwort"), "Name=Anna%20M%C3%BCller&Ort=K%C3%B6ln%26Bonn");
 
     ASSERT_TRUE(ShownForm()) << "Close False keeps the form";
-    EXPECT_EQ(Http(url.port(), Get(url, url.path().toUtf8() + "?Name=Ben&Alter=42")).status, 200);
+    EXPECT_EQ(Http(url.port(), GetRequest(url.port(), url.path().toUtf8() + "?Name=Ben&Alter=42")).status, 200);
     TDVCmdFormResult result(&host);
     TParamList params = MakeParams({{"Result", "Antwort"}, {"Timeout", "5000"}});
     result.RunThreaded(params);
@@ -230,15 +200,13 @@ TEST_F(FormTest, HeadlessAnswerIsTheSubmissionAndNoLimitWithoutOneFails)
     host.Declare("Antwort", g_StringType);
     host.Declare("Name", g_StringType);
     SetHeadlessAnswers({"FormResult=Name=Anna+M%C3%BCller&Alter=42"});
-    std::future<void> answered = StartResult({{"Close", "False"}, {"Result", "Antwort"}, {"Unpack", "True"}});
-    ASSERT_TRUE(Ended(answered));
+    ASSERT_TRUE(Ended(StartResult({{"Close", "False"}, {"Result", "Antwort"}, {"Unpack", "True"}})));
     EXPECT_EQ(failure, "");
     EXPECT_EQ(host.ValueText("Name"), QString::fromUtf8("Anna Müller"));
     EXPECT_EQ(host.ValueText("Antwort"), "Name,Alter");
 
     SetHeadlessAnswers({});
-    std::future<void> unanswered = StartResult({{"Timeout", "-1"}, {"Result", "Antwort"}});
-    ASSERT_TRUE(Ended(unanswered));
+    ASSERT_TRUE(Ended(StartResult({{"Timeout", "-1"}, {"Result", "Antwort"}})));
     EXPECT_TRUE(failure.contains("dvrun --answer FormResult=")) << failure.toStdString();
 }
 
@@ -246,19 +214,14 @@ TEST_F(FormTest, ParametersAreCheckedBeforeTheWaitNamingCommandAndParameter)
 {
     host.Declare("Zahl", g_NumberType);
     host.Declare("Antwort", g_StringType);
-    struct Row {
-        TParamRows params;
-        const char* message;
-    };
-    const Row rows[] = {
+    const struct { TParamRows params; const char* message; } rows[] = {
         {{{"Timeout", "1.7"}, {"Result", "Antwort"}}, "FormResult: Timeout \"1.7\" ist keine ganze Zahl"},
         {{{"Timeout", "10"}, {"Result", "Zahl"}}, "FormResult: Result: die Variable \"Zahl\" vom Typ Number"},
         {{{"Timeout", "10"}, {"Result", "Fehlt"}}, "Der Bezeichner \"Fehlt\" wurde nicht als Variable deklariert!"},
     };
-    for (const Row& r : rows) {
+    for (const auto& r : rows) {
         failure.clear();
-        std::future<void> waiting = StartResult(r.params);
-        ASSERT_TRUE(Ended(waiting));
+        ASSERT_TRUE(Ended(StartResult(r.params)));
         EXPECT_TRUE(failure.startsWith(QString::fromUtf8(r.message))) << failure.toStdString();
     }
     EXPECT_TRUE(host.setVariableCalls.isEmpty());
@@ -302,17 +265,11 @@ TEST(FormShowTest, MissingFileAndResultWithoutFormFailClearly)
 {
     TTestHost host;
     host.Declare("Antwort", g_StringType);
-    TDVCmdFormShow show(&host);
-    TParamList params = MakeParams({{"File", "/gibt/es/nicht.html"}});
-    EXPECT_THROW(show.Run(params), TDravikException);
+    EXPECT_NE(Show(host, "/gibt/es/nicht.html"), "");
     TDVCmdFormResult result(&host);
     TParamList resultParams = MakeParams({{"Result", "Antwort"}, {"Timeout", "10"}});
-    try {
-        result.RunThreaded(resultParams);
-        ADD_FAILURE() << "ran without a form";
-    } catch (const TDravikException& e) {
-        EXPECT_TRUE(e.Message().contains("FormShow")) << e.Message().toStdString();
-    }
+    const QString failure = RaisedMessage<TDravikException>([&] { result.RunThreaded(resultParams); }).value_or("ran without a form");
+    EXPECT_TRUE(failure.contains("FormShow")) << failure.toStdString();
 }
 
 // Unpack writes all fields or none: a field its variable cannot take names the field, and the

@@ -113,9 +113,7 @@ TEST_F(ExecRunTest, TimeOutGivesMinusTwoAndKillAsksTheWholeGroupToEnd)
     EXPECT_LT(MsSince(start), 500);
     const pid_t grandchild = ReadFile(dir.filePath("pid")).trimmed().toInt();
     ASSERT_GT(grandchild, 0);
-    bool gone = false;
-    for (int i = 0; i < 500 && !(gone = Ended(grandchild)); ++i) std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    EXPECT_TRUE(gone) << "SIGTERM did not reach the program's child";
+    EXPECT_TRUE(Eventually([&] { return Ended(grandchild); })) << "SIGTERM did not reach the program's child";
 }
 
 TEST_F(ExecRunTest, StopEventEndsTheWaitWithin100Ms)
@@ -145,16 +143,21 @@ TEST_F(ExecRunTest, FailuresNameWhatWentWrongAndWriteNothing)
 }
 
 // A relative program is the one the script's current directory names, whatever the working
-// directory of the program; ExePath takes the project folder like every file name.
-TEST(ExecDvrunTest, RelativeAndProjectProgramsAreTheOnesNamed)
+// directory of the program; ExePath takes the project folder like every file name. A program path
+// with blanks as the editor's file button writes it (quoted in the script, so the value has no
+// quotes) and with quotes of its own in the value: without a WorkDir it runs in its folder.
+TEST(ExecDvrunTest, RelativeProjectAndBlankProgramsAreTheOnesNamed)
 {
     QTemporaryDir dir;
     const QDir root(dir.path());
-    ASSERT_TRUE(root.mkpath("x/y/sub") && root.mkpath("x/y/other"));
+    ASSERT_TRUE(root.mkpath("x/y/sub") && root.mkpath("x/y/other") && root.mkpath("x/y/work dir"));
     WriteProgram(root.filePath("prog.sh"), "exit 4");  // what the child's working directory would pick
     WriteProgram(root.filePath("x/prog.sh"), "exit 3");
     WriteProgram(root.filePath("x/y/sub/tool.sh"), "exit 5");
     WriteProgram(root.filePath("x/y/tool.sh"), "exit 6");
+    const QString prog = root.filePath("x/y/work dir/my prog.sh");
+    WriteProgram(prog, R"(pwd > "$1.txt"; echo "$2" >> "$1.txt"; exit 3)");
+    const QByteArray p = prog.toUtf8();
     WriteFile(root.filePath("x/y/run.dvs"), R"(var R : Number
 Exec(ExePath := "../prog.sh", Return := R, TimeOut := 10)
 Check(R = 3 - 65536, "../prog.sh")
@@ -162,30 +165,15 @@ Exec(ExePath := "sub/tool.sh", WorkDir := "other", Return := R, TimeOut := 10)
 Check(R = 5 - 65536, "sub/tool.sh")
 Exec(ExePath := "%PROJEKTPFAD%/tool.sh", WorkDir := "/", Return := R, TimeOut := 10)
 Check(R = 6 - 65536, "%PROJEKTPFAD%/tool.sh")
-)");
-    const TDvrunRun run = RunDvrun({"run.dvs"}, root.filePath("x/y"));
+)" "Exec(ExePath := \"" + p + "\", Params := \"editor \"\"a b\"\"\", Return := R, TimeOut := 10)\n"
+                                              "Check(R = 3 - 65536, \"editor\")\n"
+                                              "Exec(ExePath := \"\"\"" + p + "\"\"\", Params := \"quoted c\", Return := R, TimeOut := 10)\n"
+                                              "Check(R = 3 - 65536, \"quoted\")\n");
+    const TDvrunRun run = RunDvrun({"run.dvs"}, {.workDir = root.filePath("x/y")});
     EXPECT_EQ(run.exitCode, 0) << run.err.toStdString();
-}
-
-// A program path with blanks as the editor's file button writes it (quoted in the script, so the
-// value has no quotes) and with quotes of its own in the value; without a WorkDir it runs in its folder.
-TEST(ExecDvrunTest, AProgramWhosePathHoldsBlanksRunsInItsFolder)
-{
-    QTemporaryDir dir;
-    ASSERT_TRUE(QDir(dir.path()).mkpath("work dir"));
-    const QString prog = dir.filePath("work dir/my prog.sh");
-    WriteProgram(prog, R"(pwd > "$1.txt"; echo "$2" >> "$1.txt"; exit 3)");
-    const QByteArray p = prog.toUtf8();
-    WriteFile(dir.filePath("run.dvs"), "var R : Number\n"
-                                       "Exec(ExePath := \"" + p + "\", Params := \"editor \"\"a b\"\"\", Return := R, TimeOut := 10)\n"
-                                       "Check(R = 3 - 65536, \"editor\")\n"
-                                       "Exec(ExePath := \"\"\"" + p + "\"\"\", Params := \"quoted c\", Return := R, TimeOut := 10)\n"
-                                       "Check(R = 3 - 65536, \"quoted\")\n");
-    const TDvrunRun run = RunDvrun({"run.dvs"}, dir.path());
-    EXPECT_EQ(run.exitCode, 0) << run.err.toStdString();
-    const QByteArray folder = dir.filePath("work dir").toUtf8();
-    EXPECT_EQ(ReadFile(dir.filePath("work dir/editor.txt")), folder + "\na b\n");
-    EXPECT_EQ(ReadFile(dir.filePath("work dir/quoted.txt")), folder + "\nc\n");
+    const QByteArray folder = root.filePath("x/y/work dir").toUtf8();
+    EXPECT_EQ(ReadFile(folder + "/editor.txt"), folder + "\na b\n");
+    EXPECT_EQ(ReadFile(folder + "/quoted.txt"), folder + "\nc\n");
 }
 
 // dvrun's output ends with dvrun, even when a program it started runs on: `x=$(dvrun ...)` returns.
@@ -224,8 +212,7 @@ Check(R = 0, "Exec")
     ::chmod(QFile::encodeName(dir.filePath("run.dvs")).constData(), 0644);
     ::chmod(QFile::encodeName(dir.path()).constData(), 0555);
     ::chmod(QFile::encodeName(temp.path()).constData(), 01777);
-    const TScopedEnvironment tmpdir("TMPDIR", QFile::encodeName(temp.path()));
-    const TDvrunRun run = RunDvrun({dir.filePath("run.dvs")}, temp.path(), true);
+    const TDvrunRun run = RunDvrun({dir.filePath("run.dvs")}, {.workDir = temp.path(), .environment = {"TMPDIR=" + temp.path()}, .asOtherUser = true});
     ::chmod(QFile::encodeName(dir.path()).constData(), 0755);
     EXPECT_EQ(run.exitCode, 0) << run.err.toStdString();
     const QStringList logs = QDir(temp.path()).entryList({"exec-*.log"});
@@ -245,18 +232,13 @@ TEST(ExecDvrunTest, AnyStopSignalEndsTheWaitTheProgramAndTheRunWithReports)
 Log("weiter")
 )");
         QProcess dvrun;
-        dvrun.setWorkingDirectory(dir.path());
-        dvrun.start(DV_BINARY_DIR "/host/dvrun", {"--junit", "report.xml", "--log", "run.log", "run.dvs"});
+        StartDvrun(dvrun, {"--junit", "report.xml", "--log", "run.log", "run.dvs"}, {.workDir = dir.path()});
         pid_t program = 0;
-        for (int i = 0; i < 1000 && program <= 0; ++i) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(10));
-            program = ReadFile(dir.filePath("pid")).trimmed().toInt();
-        }
-        ASSERT_GT(program, 0) << "the program did not start";
+        ASSERT_TRUE(Eventually([&] { return (program = ReadFile(dir.filePath("pid")).trimmed().toInt()) > 0; }, 10000))
+            << "the program did not start";
         ::kill(dvrun.processId(), signal);
         const bool ended = dvrun.waitForFinished(20000);
-        bool programGone = false;
-        for (int i = 0; i < 500 && !(programGone = Ended(program)); ++i) std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        const bool programGone = Eventually([&] { return Ended(program); });
         if (!programGone) ::kill(program, SIGKILL);
         ASSERT_TRUE(ended) << strsignal(signal);
         EXPECT_EQ(dvrun.exitStatus(), QProcess::NormalExit) << strsignal(signal);

@@ -22,10 +22,7 @@ protected:
     static QString TestOutcome(QWidget& dialog, const QString& boxName)
     {
         QString shown;
-        OnModal(boxName, [&shown](QWidget& box) {
-            shown = static_cast<QMessageBox&>(box).text();
-            static_cast<QMessageBox&>(box).accept();
-        });
+        OnMessage(boxName, &shown);
         Click(dialog, "BT_Test");
         return shown;
     }

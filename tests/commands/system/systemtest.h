@@ -8,13 +8,11 @@
 #include "framework/services.h"
 #include "framework/waitevents.h"
 #include "tests/commands/params.h"
+#include "tests/support/process.h"
 #include "tests/support/testhost.h"
 
 #include <gtest/gtest.h>
 
-#include <QFile>
-#include <QProcess>
-#include <QStandardPaths>
 #include <QTemporaryDir>
 
 #include <netinet/in.h>
@@ -36,6 +34,15 @@ inline long long MsSince(Clock::time_point t)
     return std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - t).count();
 }
 
+// Whether pred came to hold within ms, asked every 10 ms.
+inline bool Eventually(const std::function<bool()>& pred, int ms = 5000)
+{
+    for (const auto start = Clock::now(); !pred(); std::this_thread::sleep_for(std::chrono::milliseconds(10))) {
+        if (MsSince(start) > ms) return false;
+    }
+    return true;
+}
+
 // A parameter list of name/text pairs whose texts may be computed.
 inline TParamList ParamsOf(std::initializer_list<std::pair<const char*, QString>> rows)
 {
@@ -45,72 +52,7 @@ inline TParamList ParamsOf(std::initializer_list<std::pair<const char*, QString>
 }
 
 // The message of the exception a call raised, or "" when it succeeded.
-inline QString FailureOf(const std::function<void()>& call)
-{
-    try {
-        call();
-    } catch (const TDravikException& e) {
-        return e.Message();
-    }
-    return {};
-}
-
-inline QByteArray ReadFile(const QString& path)
-{
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-}
-
-inline void WriteFile(const QString& path, const QByteArray& content)
-{
-    QFile f(path);
-    if (!f.open(QIODevice::WriteOnly) || f.write(content) != content.size()) throw std::runtime_error("test: cannot write");
-}
-
-// Writes an executable shell script.
-inline void WriteProgram(const QString& path, const QByteArray& body)
-{
-    WriteFile(path, "#!/bin/sh\n" + body + "\n");
-    QFile::setPermissions(path, QFile::permissions(path) | QFileDevice::ExeOwner);
-}
-
-inline constexpr uid_t kOtherUser = 65534;  // nobody
-
-// Whether RunDvrun(..., asOtherUser) runs as a user whom permissions bind: anyone but root, and
-// root through setpriv.
-inline bool CanActAsOtherUser() { return ::geteuid() != 0 || !QStandardPaths::findExecutable("setpriv").isEmpty(); }
-
-// The dvrun binary run on a script from workDir (the current directory when empty), without a
-// display; a run still going after 30 s counts as hanging and is killed. asOtherUser: as the user
-// nobody when the tests run as root, whom no permission check lets pass.
-struct TDvrunRun {
-    int exitCode = -1;
-    bool finished = false;
-    QString out;
-    QString err;
-};
-inline TDvrunRun RunDvrun(const QStringList& args, const QString& workDir = {}, bool asOtherUser = false)
-{
-    QStringList command = QStringList{DV_BINARY_DIR "/host/dvrun"} + args;
-    if (asOtherUser && ::geteuid() == 0) {
-        const QString id = QString::number(kOtherUser);
-        command = QStringList{"setpriv", "--reuid=" + id, "--regid=" + id, "--clear-groups", "--"} + command;
-    }
-    QProcess p;
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.remove("DISPLAY");
-    env.remove("WAYLAND_DISPLAY");
-    p.setProcessEnvironment(env);
-    p.setWorkingDirectory(workDir);
-    p.start(command.front(), command.mid(1));
-    TDvrunRun run;
-    run.finished = p.waitForFinished(30000);
-    if (!run.finished) p.kill(), p.waitForFinished();
-    run.exitCode = p.exitCode();
-    run.out = QString::fromUtf8(p.readAllStandardOutput());
-    run.err = QString::fromUtf8(p.readAllStandardError());
-    return run;
-}
+inline QString FailureOf(const std::function<void()>& call) { return RaisedMessage<TDravikException>(call).value_or(""); }
 
 // Signals stop after delayMs; MsSinceSignal tells how long a wait went on after that.
 struct TStopLater {
@@ -191,39 +133,31 @@ inline QByteArray ReceiveSome(int fd, const TRunControl& quit)
 
 inline void SendBytes(int fd, const QByteArray& bytes) { ::send(fd, bytes.constData(), size_t(bytes.size()), MSG_NOSIGNAL); }
 
+inline sockaddr_un UnixAddress(const QString& path)
+{
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    QFile::encodeName(path).toStdString().copy(address.sun_path, sizeof address.sun_path - 1);
+    return address;
+}
+
 // An endpoint made by hand wherever path points, as another program could make one.
 inline TSocketFd ListenAt(const QString& path)
 {
     TSocketFd fd(::socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0));
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    QFile::encodeName(path).toStdString().copy(address.sun_path, sizeof address.sun_path - 1);
-    if (::bind(fd.Get(), reinterpret_cast<sockaddr*>(&address), sizeof address) != 0 || ::listen(fd.Get(), 8) != 0) {
+    const sockaddr_un address = UnixAddress(path);
+    if (::bind(fd.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 || ::listen(fd.Get(), 8) != 0) {
         throw std::runtime_error("test: cannot listen");
     }
     return fd;
 }
 
-// Sets an environment variable for the life of the object.
-struct TScopedEnvironment {
-    TScopedEnvironment(const char* name, const QByteArray& value) : name(name), old(qgetenv(name)), had(qEnvironmentVariableIsSet(name))
-    {
-        qputenv(name, value);
-    }
-    ~TScopedEnvironment() { had ? qputenv(name, old) : qunsetenv(name); }
-    const char* name;
-    QByteArray old;
-    bool had;
-};
-
 // A client that connects to a pipe endpoint and is never served: it takes a place in the queue.
 inline TSocketFd ConnectFiller(const QString& endpointPath)
 {
     TSocketFd fd(::socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0));
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    QFile::encodeName(endpointPath).toStdString().copy(address.sun_path, sizeof address.sun_path - 1);
-    if (::connect(fd.Get(), reinterpret_cast<sockaddr*>(&address), sizeof address) != 0) throw std::runtime_error("test: no filler");
+    const sockaddr_un address = UnixAddress(endpointPath);
+    if (::connect(fd.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) throw std::runtime_error("test: no filler");
     return fd;
 }
 
