@@ -2,7 +2,8 @@
 # Fuzzing with libFuzzer on the targets of the `fuzz` preset (tests/fuzz/fuzz_TARGET.cpp).
 #   scripts/fuzz.sh --replay            runs every corpus file through its target once (the test
 #                                       command does this); fails on the first crash
-#   scripts/fuzz.sh [TARGET] [SECONDS]  a campaign of SECONDS (default 60) on TARGET (default: every
+#   scripts/fuzz.sh [TARGET] [SECONDS]  a campaign of SECONDS (default 60), or of FUZZ_RUNS executions
+#                                       if that comes first, on TARGET (default: every
 #                                       target, one after another), on one core, inputs of at most
 #                                       FUZZ_MAX_LEN bytes (512). The corpus tests/fuzz/corpus/TARGET
 #                                       is replaced by the smallest set of inputs that reaches all the
@@ -39,9 +40,11 @@ for target in $targets; do
   rm -rf "$work" && mkdir -p "$work" "$corpus/$target" "$crashes"
   log=build/fuzz/campaign-$target.log
   rc=0
-  "$bin/fuzz_$target" "$work" "$corpus/$target" -max_total_time="$seconds" -timeout=10 \
+  started=$(date +%s)
+  "$bin/fuzz_$target" "$work" "$corpus/$target" -max_total_time="$seconds" -runs="${FUZZ_RUNS:--1}" -timeout=10 \
     -rss_limit_mb=2048 -malloc_limit_mb=256 -max_len="${FUZZ_MAX_LEN:-512}" -print_final_stats=1 \
     -artifact_prefix="$crashes/" >"$log" 2>&1 || rc=$?
+  ran=$(( $(date +%s) - started ))
   execs=$(grep -o 'number_of_executed_units: [0-9]*' "$log" | tail -n 1 | grep -o '[0-9]*$' || echo 0)
   # The smallest set of inputs that reaches every edge the old corpus and the campaign reached
   # (edges only, not hit counts, which would keep ten times the files).
@@ -52,7 +55,7 @@ for target in $targets; do
     cp "$work.min"/* "$corpus/$target"/
   fi
   result=$([[ $rc == 0 ]] && echo "no finding" || echo "FINDING (exit $rc, see $log)")
-  line="$(date -u +%FT%TZ) $target ${seconds}s $execs executions: $result"
+  line="$(date -u +%FT%TZ) $target ${ran}s of ${seconds}s $execs executions: $result"
   echo "$line" | tee -a build/fuzz/campaigns.log
   [[ $rc == 0 ]] || status=1
   rmdir "$crashes" 2>/dev/null || true

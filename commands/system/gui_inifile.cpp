@@ -217,6 +217,11 @@ void TDVCmdIniFiles::Start()
     }
     const QByteArray after = ini.Content();
     if (after == before) return;
+    if (!ini.Intact()) {
+        throw TDravikException(Format(_("Die INI-Datei %s kann nicht geschrieben werden: sie enthält Bytes, die in "
+                                        "ihrer Kodierung kein Text sind"),
+                                      {fields_.fileName}));
+    }
     const QString error = ReplaceFileContent(path, after);
     if (!error.isEmpty()) {
         throw TDravikException(Format(_("Die INI-Datei %s kann nicht geschrieben werden: %s"), {fields_.fileName, error}));

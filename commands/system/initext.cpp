@@ -46,6 +46,7 @@ bool InWindows1252(QChar c) { return c == '?' || Ord1252(c) != '?'; }
 TIniText::TIniText(const QByteArray& content)
 {
     QString text = DecodeText(content, encoding_);
+    intact_ = EncodeText(text, encoding_) == content;
     if (text.contains(QStringLiteral("\r\n"))) eol_ = QStringLiteral("\r\n");
     finalEol_ = text.isEmpty() || text.endsWith('\n');
     if (eol_.size() == 2) text.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));

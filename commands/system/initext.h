@@ -24,6 +24,9 @@ public:
     TIniEncoding Encoding() const { return encoding_; }
     // Whether the file's encoding can hold the text (Windows-1252 lacks most characters).
     bool CanHold(const QString& text) const;
+    // Whether the file's bytes are text of its encoding: a UTF-8 mark before invalid bytes or a
+    // UTF-16 file of odd length reads with replacement characters, which a write would store.
+    bool Intact() const { return intact_; }
 
     // The value of a key: blanks around it removed and one pair of enclosing quotes taken off.
     std::optional<QString> ReadString(const QString& section, const QString& ident) const;
@@ -49,6 +52,7 @@ private:
     TIniEncoding encoding_ = TIniEncoding::Utf8;
     QString eol_ = QStringLiteral("\n");
     bool finalEol_ = true;
+    bool intact_ = true;
 };
 
 }  // namespace dv

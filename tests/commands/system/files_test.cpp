@@ -268,6 +268,19 @@ TEST_F(IniFileTest, FilesKeepTheirEncoding)
     EXPECT_TRUE(FailureOf([&] { Run(9, "S", "J", "日本"); }).contains("Windows-1252"));
     EXPECT_EQ(ReadFile(path), rows[2].after);
 
+    // Bytes that are no text of the file's encoding read as replacement characters; writing them
+    // would store those instead of the bytes: refused, the file as it was.
+    const std::pair<QByteArray, QString> damaged[] = {  // file, K as read
+        {"\xEF\xBB\xBF[S]\nK=Gr\xFC\xDF" "e\n", QString::fromUtf16(u"Gr\uFFFD\uFFFDe")},
+        {Utf16(u"[S]\nK=1\n", QStringEncoder::Utf16LE) + 'x', QStringLiteral("1")},
+    };
+    for (const auto& [file, value] : damaged) {
+        WriteFile(path, file);
+        EXPECT_EQ(Run(5, "S", "K"), value) << file.toHex().constData();
+        EXPECT_TRUE(FailureOf([&] { Run(9, "S", "N", "1"); }).contains("kein Text")) << file.toHex().constData();
+        EXPECT_EQ(ReadFile(path), file);
+    }
+
     WriteFile(path, "");
     Run(9, "S", "N", "€ü");
     EXPECT_EQ(ReadFile(path), "[S]\nN=€ü\n");
