@@ -12,7 +12,9 @@
 #include <QSaveFile>
 #include <QtEndian>
 
+#include <algorithm>
 #include <cstdlib>
+#include <limits>
 
 namespace dv::image {
 
@@ -24,10 +26,14 @@ namespace {
 qint64 BitmapFileSize(QFile& file)
 {
     const QByteArray head = file.read(38);
-    if (head.size() < 26 || !head.startsWith("BM")) return 0;
+    if (!head.startsWith("BM")) return 0;
+    if (head.size() < 18) return 18;  // up to the size of the header that follows
     const auto* h = reinterpret_cast<const uchar*>(head.constData());
     const qint64 offset = qFromLittleEndian<quint32>(h + 10);
     const quint32 headerSize = qFromLittleEndian<quint32>(h + 14);
+    // Qt reads a header cut short as if the missing bytes were there.
+    const qint64 headerEnd = 14 + qint64{std::max<quint32>(headerSize, 12)};
+    if (head.size() < std::min<qint64>(headerEnd, 38)) return headerEnd;
     qint64 width = 0, height = 0, bits = 0, compression = 0, codedSize = 0;
     if (headerSize == 12) {  // the old OS/2 header
         width = qFromLittleEndian<quint16>(h + 18);
@@ -43,7 +49,28 @@ qint64 BitmapFileSize(QFile& file)
     constexpr qint64 kRgb = 0, kRle8 = 1, kRle4 = 2, kBitFields = 3, kAlphaBitFields = 6;
     if (compression == kRle8 || compression == kRle4) return offset + codedSize;
     if (width <= 0 || bits <= 0 || (compression != kRgb && compression != kBitFields && compression != kAlphaBitFields)) return 0;
-    return offset + (width * bits + 31) / 32 * 4 * height;
+    // A header may claim rows no file could hold: such a size saturates, and the file is short.
+    const qint64 rowBytes = (width * bits + 31) / 32 * 4;
+    qint64 pixelBytes = 0;
+    if (__builtin_mul_overflow(rowBytes, height, &pixelBytes) || pixelBytes > std::numeric_limits<qint64>::max() - offset) {
+        return std::numeric_limits<qint64>::max();
+    }
+    return offset + pixelBytes;
+}
+
+// A run-length coded or compressed file may stand for a picture far larger than itself: a picture
+// is decoded only while it takes at most 100 times the file's size, or 64 MiB (4096 x 4096
+// pixels) for small files.
+bool FitsTheFile(QSize size, qint64 fileSize)
+{
+    // A negative height is a picture stored top down.
+    const qint64 bytes = std::abs(qint64{size.width()}) * std::abs(qint64{size.height()}) * 4;
+    return bytes <= std::max<qint64>(100 * fileSize, qint64{64} << 20);
+}
+
+QString Unreadable(const QString& path, const QString& reason)
+{
+    return Format(_("Die Bilddatei \"%s\" kann nicht gelesen werden: %s"), {path, reason});
 }
 }  // namespace
 
@@ -53,17 +80,19 @@ QImage ReadBitmap(const QString& path)
     if (file.open(QIODevice::ReadOnly)) {
         const qint64 needed = BitmapFileSize(file);
         if (file.size() < needed) {
-            throw TDravikException(Format(_("Die Bilddatei \"%s\" kann nicht gelesen werden: %s"),
-                                          {path, Format(_("die Datei ist unvollständig (%s von %s Bytes)"),
-                                                        {QString::number(file.size()), QString::number(needed)})}));
+            throw TDravikException(Unreadable(path, Format(_("die Datei ist unvollständig (%s von %s Bytes)"),
+                                                           {QString::number(file.size()), QString::number(needed)})));
         }
         file.close();
     }
     QImageReader reader(path);
-    QImage image = reader.read();
-    if (image.isNull()) {
-        throw TDravikException(Format(_("Die Bilddatei \"%s\" kann nicht gelesen werden: %s"), {path, reader.errorString()}));
+    const QSize size = reader.size();
+    if (!FitsTheFile(size, QFileInfo(path).size())) {
+        throw TDravikException(Unreadable(path, Format(_("das Bild ist zu groß für die Datei (%s × %s Bildpunkte)"),
+                                                       {QString::number(size.width()), QString::number(size.height())})));
     }
+    QImage image = reader.read();
+    if (image.isNull()) throw TDravikException(Unreadable(path, reader.errorString()));
     return image.convertToFormat(QImage::Format_RGB888);
 }
 

@@ -58,9 +58,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const dv::TIniText again(written);
     // At most a new section: "[", "]", "=" and three line ends of two bytes (the one the file's
     // last line lacked, and one after each new line); a file with CRLF line ends also writes its
-    // lone LF ones as CRLF.
-    const qsizetype change = section.toUtf8().size() + key.toUtf8().size() + value.toUtf8().size() + 3 + 3 * 2 +
-                             content.count('\n');
+    // lone LF ones as CRLF. Counted in UTF-8 bytes, of which UTF-16 takes at most twice as many.
+    const bool utf16 = ini.Encoding() == dv::TIniEncoding::Utf16LE || ini.Encoding() == dv::TIniEncoding::Utf16BE;
+    const qsizetype change = (utf16 ? 2 : 1) * (section.toUtf8().size() + key.toUtf8().size() + value.toUtf8().size() + 3 +
+                                                3 * 2 + content.count('\n'));
     if (written.size() > content.size() + change) std::abort();
     if (!erase && again.ReadString(section, key) != value) std::abort();
     if (other && again.ReadString(otherSection, otherKey) != otherBefore) std::abort();

@@ -105,6 +105,14 @@ QByteArray Bmp(int bits)
 
 // Run-length coded 8 bits: each row two black pixels, then two white; runs, end of line, runs,
 // end of picture.
+// The header claims 2^31 - 1 pixels each way.
+QByteArray Huge(QByteArray bmp)
+{
+    qToLittleEndian<qint32>(0x7FFFFFFF, bmp.data() + 18);
+    qToLittleEndian<qint32>(0x7FFFFFFF, bmp.data() + 22);
+    return bmp;
+}
+
 QByteArray Rle8() { return BmpFile(8, QByteArray::fromHex("00000000ffffff00"), QByteArray::fromHex("020002010000020002010001"), 1); }
 
 class ImageCommandTest : public testing::Test {
@@ -183,6 +191,8 @@ TEST_F(ImageCommandTest, TruncatedBitmapsAreRefusedAndTheImageStays)
         {"halb.bmp", bars.left(bars.size() / 2)},        // half of a 640 x 480 picture
         {"kopf.bmp", bars.left(54)},                     // the header alone
         {"rle.bmp", Rle8().chopped(2)},                  // the end-of-picture code missing
+        {"riesig24.bmp", Huge(Bmp(32))},                 // rows no file could hold
+        {"kopfhalb.bmp", Bmp(24).left(27)},              // the picture's header cut short
     };
     Capture("pattern:grey");
     const QImage before = CurrentImage::snapshot();
@@ -200,6 +210,14 @@ TEST_F(ImageCommandTest, TruncatedBitmapsAreRefusedAndTheImageStays)
         EXPECT_EQ(CurrentImage::snapshot().pixel(3, 0), qRgb(255, 255, 255));
         EXPECT_EQ(CurrentImage::snapshot().pixel(0, 1), qRgb(0, 0, 0));
     }
+    // A complete run-length coded file of 62 bytes that stands for 9000 x 9000 pixels is not
+    // decoded (it would take 324 MB).
+    QByteArray huge = Rle8();
+    qToLittleEndian<qint32>(9000, huge.data() + 18);
+    qToLittleEndian<qint32>(9000, huge.data() + 22);
+    ASSERT_TRUE(testio::WriteFile(Path("riesig.bmp"), huge));
+    EXPECT_TRUE(Failure([&] { Load(Path("riesig.bmp")); }).contains("zu groß"));
+    EXPECT_EQ(CurrentImage::snapshot().size(), QSize(4, 2));
 }
 
 TEST_F(ImageCommandTest, SavedCopyComparesAt100AndTheProjectPlaceholderResolves)
