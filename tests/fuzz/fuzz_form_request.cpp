@@ -1,0 +1,107 @@
+// The HTML form server of FormShow, sent any request over a real connection on 127.0.0.1. In the
+// input, "TOKEN" and "PORT" stand for the form's token and port, so that requests can reach the
+// form. The server answers or closes every connection, never hands out a file outside the form's
+// folder, and survives every request; submissions are taken as FormResult takes them.
+#include "commands/dialogs/htmlform.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QUrl>
+
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+
+namespace {
+
+constexpr char kSecret[] = "GEHEIM-4711";
+
+void WriteFile(const QString& path, const QByteArray& bytes)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size()) std::abort();
+}
+
+// form/seite.html with a picture beside it; geheim.txt one folder up and a link to it inside.
+dv::THtmlForm& Form()
+{
+    static std::unique_ptr<dv::THtmlForm> form = [] {
+        const QString root = QDir::temp().filePath(QStringLiteral("dv-fuzz-form-%1").arg(QCoreApplication::applicationPid()));
+        QDir().mkpath(root + QStringLiteral("/form"));
+        WriteFile(root + QStringLiteral("/form/seite.html"), "<form method=post><input name=a></form>");
+        WriteFile(root + QStringLiteral("/form/bild.png"), "png");
+        WriteFile(root + QStringLiteral("/geheim.txt"), kSecret);
+        QFile::link(root + QStringLiteral("/geheim.txt"), root + QStringLiteral("/form/verweis.txt"));
+        return std::make_unique<dv::THtmlForm>(root + QStringLiteral("/form/seite.html"));
+    }();
+    return *form;
+}
+
+quint16 Port() { return static_cast<quint16>(QUrl(Form().Url()).port()); }
+
+// Sends the request, ends the sending side, and reads the answer until the server closes or two
+// seconds pass without data; -1 when the server took no connection.
+QByteArray Exchange(const QByteArray& request)
+{
+    const int fd = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(Port());
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    if (fd < 0 || ::connect(fd, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0) {
+        std::perror("no connection to the form server");
+        std::abort();
+    }
+    for (qsizetype sent = 0; sent < request.size();) {
+        const ssize_t n = ::send(fd, request.constData() + sent, static_cast<std::size_t>(request.size() - sent), MSG_NOSIGNAL);
+        if (n <= 0) break;  // the server closed early, as it may on a refused request
+        sent += n;
+    }
+    ::shutdown(fd, SHUT_WR);
+    QByteArray answer;
+    pollfd p{fd, POLLIN, 0};
+    char buffer[4096];
+    while (::poll(&p, 1, 2000) > 0) {
+        const ssize_t n = ::recv(fd, buffer, sizeof buffer, 0);
+        if (n <= 0) break;
+        answer.append(buffer, n);
+    }
+    ::close(fd);
+    return answer;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv)
+{
+    static QCoreApplication app(*argc, *argv);
+    Form();
+    return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    if (size > 16 * 1024) return -1;
+    QByteArray request(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size));
+    request.replace("TOKEN", Form().Token().toUtf8());
+    request.replace("PORT", QByteArray::number(Port()));
+    const QByteArray answer = Exchange(request);
+    if (answer.contains(kSecret)) std::abort();
+    if (!answer.isEmpty() && !answer.startsWith("HTTP/1.")) {
+        std::fprintf(stderr, "answer without a status line: %s\n", answer.left(200).toHex().constData());
+        std::abort();
+    }
+    dv::TFormFields fields;
+    while (Form().WaitForSubmission(nullptr, 0, fields) == dv::TFormWait::Submitted) {
+    }
+    return 0;
+}
