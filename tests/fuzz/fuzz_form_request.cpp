@@ -15,10 +15,12 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <memory>
 
 namespace {
@@ -48,19 +50,38 @@ dv::THtmlForm& Form()
 
 quint16 Port() { return static_cast<quint16>(QUrl(Form().Url()).port()); }
 
-// Sends the request, ends the sending side, and reads the answer until the server closes or two
-// seconds pass without data; -1 when the server took no connection.
-QByteArray Exchange(const QByteArray& request)
+// A connection to the form server. Thousands a second would use up one address's ephemeral ports
+// while closed connections wait out TIME_WAIT, so each comes from the next loopback address
+// (127.1.0.1, 127.1.0.2, ...); a port still in use is waited for.
+int Connect()
 {
-    const int fd = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
     sockaddr_in address{};
     address.sin_family = AF_INET;
     address.sin_port = htons(Port());
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    if (fd < 0 || ::connect(fd, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0) {
-        std::perror("no connection to the form server");
-        std::abort();
+    int error = 0;
+    for (int attempt = 0; attempt < 500; ++attempt) {
+        static std::uint32_t next = 0;
+        sockaddr_in source{};
+        source.sin_family = AF_INET;
+        source.sin_addr.s_addr = htonl((127u << 24) | (1u << 16) | (1 + next++ % 65000));
+        const int fd = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+        if (fd >= 0 && ::bind(fd, reinterpret_cast<sockaddr*>(&source), sizeof source) == 0 &&
+            ::connect(fd, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0) return fd;
+        error = errno;
+        if (fd >= 0) ::close(fd);
+        if (error != EADDRNOTAVAIL) break;
+        ::usleep(10000);
     }
+    std::fprintf(stderr, "no connection to the form server: %s\n", std::strerror(error));
+    std::abort();
+}
+
+// Sends the request, ends the sending side, and reads the answer until the server closes or two
+// seconds pass without data.
+QByteArray Exchange(const QByteArray& request)
+{
+    const int fd = Connect();
     for (qsizetype sent = 0; sent < request.size();) {
         const ssize_t n = ::send(fd, request.constData() + sent, static_cast<std::size_t>(request.size() - sent), MSG_NOSIGNAL);
         if (n <= 0) break;  // the server closed early, as it may on a refused request
