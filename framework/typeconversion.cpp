@@ -23,9 +23,10 @@ const QByteArray kUtf16LEBom = QByteArrayLiteral("\xFF\xFE");
 const QByteArray kUtf16BEBom = QByteArrayLiteral("\xFE\xFF");
 
 // Decodes with a byte order mark already taken off: a U+FEFF that follows is text, not a mark.
+// Stateless: a sequence cut off at the end is an error, not a state kept for more bytes.
 QString Decode(QStringConverter::Encoding encoding, QByteArrayView bytes, bool* failed = nullptr)
 {
-    QStringDecoder decoder(encoding, QStringConverter::Flag::ConvertInitialBom);
+    QStringDecoder decoder(encoding, QStringConverter::Flag::ConvertInitialBom | QStringConverter::Flag::Stateless);
     QString text = decoder(bytes);
     if (failed) *failed = decoder.hasError();
     return text;
@@ -62,14 +63,6 @@ int Ord1252(QChar c)
         if (kHighControls[i] == u) return static_cast<int>(0x80 + i);
     }
     return '?';
-}
-
-QString DecodeUtf8Or1252(const QByteArray& bytes)
-{
-    QStringDecoder utf8(QStringDecoder::Utf8);
-    QString text = utf8(bytes);
-    if (!utf8.hasError()) return text;
-    return FromWindows1252(bytes);
 }
 
 QString DecodeText(const QByteArray& bytes, TTextEncoding& encoding)

@@ -10,9 +10,6 @@ namespace dv {
 QChar Chr1252(int code);
 // The Windows-1252 code of a character; 63 ("?") for a character the code page lacks.
 int Ord1252(QChar c);
-// The text of a file: UTF-8 when the bytes are valid UTF-8, otherwise Windows-1252, the code page
-// of files written on Windows stations.
-QString DecodeUtf8Or1252(const QByteArray& bytes);
 
 // How a text file's characters are stored: UTF-16 and UTF-8 with a byte order mark as they are
 // found, UTF-8 without one, and Windows-1252 for a file that is not valid UTF-8.

@@ -38,6 +38,26 @@ TEST(TypeConversionTest, CharactersOutsideTheCodePageBecomeQuestionMark)
     EXPECT_EQ(Chr1252(-1), QChar('?'));
 }
 
+// A file is UTF-8 only when all of it is: a Windows-1252 file whose last byte would start a UTF-8
+// sequence (a closing "ß" with no line end) is Windows-1252, its last character kept.
+TEST(TypeConversionTest, FilesAreReadInTheEncodingTheyWereWrittenIn)
+{
+    const struct { QByteArray bytes; TTextEncoding encoding; QString text; } rows[] = {
+        {"Log(1)", TTextEncoding::Utf8, "Log(1)"},
+        {"// Gr\xC3\xBC\xC3\x9F" "e", TTextEncoding::Utf8, "// Grüße"},
+        {"// Ma\xC3\x9F", TTextEncoding::Utf8, "// Maß"},
+        {"// Ma\xDF", TTextEncoding::Windows1252, "// Maß"},
+        {"x=Caf\xE9", TTextEncoding::Windows1252, "x=Café"},
+        {"\xEF\xBB\xBFx=\xEF\xBB\xBF", TTextEncoding::Utf8Bom, QString("x=") + QChar(0xFEFF)},
+    };
+    for (const auto& r : rows) {
+        TTextEncoding encoding = TTextEncoding::Utf8;
+        EXPECT_EQ(DecodeText(r.bytes, encoding), r.text) << r.bytes.constData();
+        EXPECT_EQ(encoding, r.encoding) << r.bytes.constData();
+        EXPECT_EQ(EncodeText(r.text, encoding), r.bytes) << r.bytes.constData();
+    }
+}
+
 TEST(IntConvertTest, StrToIntReadsDecimalAndHexadecimal)
 {
     const std::pair<const char*, std::int32_t> rows[] = {

@@ -13,7 +13,8 @@
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     if (size > 16 * 1024) return -1;
-    const QString text = dv::DecodeUtf8Or1252(QByteArray(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size)));
+    dv::TTextEncoding encoding = dv::TTextEncoding::Utf8;
+    const QString text = dv::DecodeText(QByteArray(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size)), encoding);
     dv::host::THost host;
     try {
         const QString converted = dv::host::ConvertScript(text, host.Commands());

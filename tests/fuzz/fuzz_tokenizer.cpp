@@ -9,7 +9,8 @@
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     if (size > 64 * 1024) return -1;
-    const QString text = dv::DecodeUtf8Or1252(QByteArray(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size)));
+    dv::TTextEncoding encoding = dv::TTextEncoding::Utf8;
+    const QString text = dv::DecodeText(QByteArray(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size)), encoding);
     for (const bool dropMarkers : {true, false}) {
         dv::TScanner scanner(text, dropMarkers);
         // A token or an error consumes at least one character, so the text's length bounds the calls.
