@@ -355,6 +355,9 @@ TEST_F(Dvrun, ConvertKeepsTheEncodingOfTheScript)
         EXPECT_EQ(after.exitCode, 0) << code << after.err.toStdString();
         EXPECT_EQ(after.out, QString::fromUtf8("Grüße €\n255\n")) << code;
     }
+    // ASCII up to a closing "ß" without a line end is Windows-1252 all the same: the "ß" stays.
+    const QByteArray closing = "Log(\"x\")\r\n// Ma\xDF";
+    EXPECT_EQ(Run({"--convert", ScriptBytes("m.dvs", closing)}).bytes, closing);
 }
 
 // An X display number that no server on this machine listens on.
