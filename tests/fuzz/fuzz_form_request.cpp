@@ -70,8 +70,9 @@ int Connect()
             ::connect(fd, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0) return fd;
         error = errno;
         if (fd >= 0) ::close(fd);
-        if (error != EADDRNOTAVAIL) break;
-        ::usleep(10000);
+        // libFuzzer's timer signal may interrupt the connect
+        if (error != EADDRNOTAVAIL && error != EINTR) break;
+        if (error == EADDRNOTAVAIL) ::usleep(10000);
     }
     std::fprintf(stderr, "no connection to the form server: %s\n", std::strerror(error));
     std::abort();
@@ -84,6 +85,7 @@ QByteArray Exchange(const QByteArray& request)
     const int fd = Connect();
     for (qsizetype sent = 0; sent < request.size();) {
         const ssize_t n = ::send(fd, request.constData() + sent, static_cast<std::size_t>(request.size() - sent), MSG_NOSIGNAL);
+        if (n < 0 && errno == EINTR) continue;
         if (n <= 0) break;  // the server closed early, as it may on a refused request
         sent += n;
     }
@@ -91,8 +93,12 @@ QByteArray Exchange(const QByteArray& request)
     QByteArray answer;
     pollfd p{fd, POLLIN, 0};
     char buffer[4096];
-    while (::poll(&p, 1, 2000) > 0) {
+    for (;;) {
+        const int ready = ::poll(&p, 1, 2000);
+        if (ready < 0 && errno == EINTR) continue;
+        if (ready <= 0) break;
         const ssize_t n = ::recv(fd, buffer, sizeof buffer, 0);
+        if (n < 0 && errno == EINTR) continue;
         if (n <= 0) break;
         answer.append(buffer, n);
     }
