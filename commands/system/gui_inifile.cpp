@@ -222,6 +222,12 @@ void TDVCmdIniFiles::Start()
                                         "ihrer Kodierung kein Text sind"),
                                       {fields_.fileName}));
     }
+    if (!ini.ReadsBackAlike()) {
+        throw TDravikException(Format(_("Die INI-Datei %s kann nicht geschrieben werden: ohne die geänderte Zeile "
+                                        "läse sie sich als UTF-8 statt als Windows-1252, und ihre übrigen "
+                                        "Zeichen änderten sich"),
+                                      {fields_.fileName}));
+    }
     const QString error = ReplaceFileContent(path, after);
     if (!error.isEmpty()) {
         throw TDravikException(Format(_("Die INI-Datei %s kann nicht geschrieben werden: %s"), {fields_.fileName, error}));

@@ -66,6 +66,14 @@ QByteArray TIniText::Content() const
     return EncodeText(text, encoding_);
 }
 
+bool TIniText::ReadsBackAlike() const
+{
+    if (encoding_ != TIniEncoding::Windows1252) return true;
+    const QByteArray content = Content();
+    const bool ascii = std::all_of(content.begin(), content.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+    return ascii || TIniText(content).Encoding() == TIniEncoding::Windows1252;
+}
+
 bool TIniText::CanHold(const QString& text) const
 {
     return encoding_ != TIniEncoding::Windows1252 || std::all_of(text.begin(), text.end(), InWindows1252);

@@ -54,6 +54,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
     if (erase) ini.DeleteKey(section, key);
     else ini.WriteString(section, key, value);
+    // The command refuses a change after which the file would read in another encoding.
+    if (!ini.ReadsBackAlike()) return 0;
     const QByteArray written = ini.Content();
     const dv::TIniText again(written);
     // At most a new section: "[", "]", "=" and three line ends of two bytes (the one the file's

@@ -281,6 +281,16 @@ TEST_F(IniFileTest, FilesKeepTheirEncoding)
         EXPECT_EQ(ReadFile(path), file);
     }
 
+    // "Ã" and a no-break space make UTF-8's "à": once the change takes the file's last other
+    // Windows-1252 byte, X would read so. Refused; a change that leaves plain ASCII is not.
+    const QByteArray mixed = "[S]\nX=\xC3\xA0\nY=\xFC\n";
+    WriteFile(path, mixed);
+    EXPECT_TRUE(FailureOf([&] { Run(9, "S", "Y", "u"); }).contains("als UTF-8 statt als Windows-1252"));
+    EXPECT_EQ(ReadFile(path), mixed);
+    WriteFile(path, "[S]\nY=\xFC\n");
+    Run(9, "S", "Y", "u");
+    EXPECT_EQ(ReadFile(path), "[S]\nY=u\n");
+
     WriteFile(path, "");
     Run(9, "S", "N", "€ü");
     EXPECT_EQ(ReadFile(path), "[S]\nN=€ü\n");
