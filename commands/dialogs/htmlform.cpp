@@ -319,25 +319,23 @@ void THtmlForm::Shutdown()
 
 void THtmlForm::Submit(TFormFields fields)
 {
-    {
-        std::lock_guard lock(mutex_);
-        submissions_.push_back(std::move(fields));
-    }
+    std::lock_guard lock(mutex_);
+    submissions_.push_back(std::move(fields));
     Wake();
 }
 
 void THtmlForm::WindowClosed()
 {
-    {
-        std::lock_guard lock(mutex_);
-        if (windowClosed_) return;
-        windowClosed_ = true;
-    }
+    std::lock_guard lock(mutex_);
+    if (windowClosed_) return;
+    windowClosed_ = true;
     Wake();
 }
 
-// One count on the event per submission and one for a closed window: a wait that finds the event
-// readable finds one of them, and a closed window keeps it readable.
+// One count on the event per submission waiting and one for a closed window, changed together
+// with them under the lock: a wait that finds the event readable finds one of them (were the count
+// raised after the lock, a wait could take the submission first and then find the event readable
+// with nothing to take, and spin), and a closed window keeps it readable.
 void THtmlForm::Wake()
 {
     const eventfd_t one = 1;
@@ -359,6 +357,7 @@ TFormWait THtmlForm::WaitForSubmission(const TRunControl* stop, int timeoutMs, T
             }
             if (windowClosed_) return TFormWait::WindowClosed;
         }
+        if (deadline.hasExpired()) return TFormWait::TimedOut;
         // Whole milliseconds, rounded up: the wait never ends before the time-out.
         const int left = deadline.isForever() ? -1 : static_cast<int>((deadline.remainingTimeNSecs() + 999999) / 1000000);
         switch (WaitForEvents({{signal_, POLLIN}}, stop, left)) {

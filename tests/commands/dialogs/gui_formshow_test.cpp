@@ -241,6 +241,31 @@ TEST_F(FormTest, AClosedWindowEndsTheWaitAfterTheSubmissionsBeforeIt)
     for (int i = 0; i < 2; ++i) EXPECT_EQ(form.WaitForSubmission(nullptr, 5000, fields), TFormWait::WindowClosed);
 }
 
+// Submissions arrive on the server's thread while FormResult waits on its own: however the two
+// meet, every submission is taken once, and with none left a wait ends at its time-out.
+TEST_F(FormTest, SubmissionsMeetingTheWaitStillLetItTimeOut)
+{
+    THtmlForm& form = *ShownForm();
+    constexpr int kSubmissions = 20000;
+    std::thread server([&form] {
+        for (int i = 0; i < kSubmissions; ++i) form.Submit({{"N", QString::number(i)}});
+    });
+    std::future<int> waiting = std::async(std::launch::async, [&form] {
+        int taken = 0;
+        TFormFields fields;
+        while (taken < kSubmissions) taken += form.WaitForSubmission(nullptr, 0, fields) == TFormWait::Submitted;
+        for (int i = 0; i < 3; ++i) {
+            if (form.WaitForSubmission(nullptr, 20, fields) != TFormWait::TimedOut) return -1;
+        }
+        return taken;
+    });
+    server.join();
+    const bool ended = waiting.wait_for(std::chrono::seconds(10)) == std::future_status::ready;
+    if (!ended) form.WindowClosed();  // frees a wait that would otherwise never end
+    ASSERT_TRUE(ended) << "a wait with nothing to take did not time out";
+    EXPECT_EQ(waiting.get(), kSubmissions);
+}
+
 // A page may be a link to a file beside it; a link out of the form's folder is refused.
 TEST_F(FormTest, ALinkedPageIsAnsweredALinkOutOfTheFolderRefused)
 {
