@@ -92,20 +92,6 @@ long double Division(TOp op, long double a, long double b)
 
 namespace {
 
-bool CompareOrder(TOp op, int order)
-{
-    switch (op) {
-    case TOp::Eq: return order == 0;
-    case TOp::Ne: return order != 0;
-    case TOp::Lt: return order < 0;
-    case TOp::Gt: return order > 0;
-    case TOp::Le: return order <= 0;
-    case TOp::Ge: return order >= 0;
-    default: break;
-    }
-    return false;
-}
-
 [[noreturn]] void Incompatible(const TVal& a, const TVal& b)
 {
     throw TDVRuntimeException(Format(_("Typen unverträglich: %s und %s"), {KindName(a.kind), KindName(b.kind)}));

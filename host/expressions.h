@@ -88,11 +88,9 @@ inline long double Arithmetic(TOp op, long double a, long double b)
     }
 }
 
-// a op b for two numbers and a comparison operator. A NaN is neither below nor above anything, so it
-// compares as equal.
-inline bool CompareNumbers(TOp op, long double a, long double b)
+// Whether a comparison operator holds for an order (negative: below, 0: equal, positive: above).
+inline bool CompareOrder(TOp op, int order)
 {
-    const int order = a < b ? -1 : (a > b ? 1 : 0);
     switch (op) {
     case TOp::Eq: return order == 0;
     case TOp::Ne: return order != 0;
@@ -104,6 +102,10 @@ inline bool CompareNumbers(TOp op, long double a, long double b)
     }
     return false;
 }
+
+// a op b for two numbers and a comparison operator. A NaN is neither below nor above anything, so it
+// compares as equal.
+inline bool CompareNumbers(TOp op, long double a, long double b) { return CompareOrder(op, a < b ? -1 : (a > b ? 1 : 0)); }
 
 class TUnary final : public TExpr {
 public:

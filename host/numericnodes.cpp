@@ -43,28 +43,29 @@ constexpr bool IsComparisonOp(TOp op) { return op >= TOp::Eq && op <= TOp::Ge; }
 template <class L, class R>
 constexpr bool kRightFirst = std::is_same_v<R, TNodeOperand> && !std::is_same_v<L, TNodeOperand>;
 
-template <TOp Op, class L, class R>
-long double Apply(TExec& ex, const L& left, const R& right)
+// f(left, right), the operands read in the order kRightFirst picks.
+template <class L, class R, class F>
+auto Operands(TExec& ex, const L& left, const R& right, F f)
 {
     if constexpr (kRightFirst<L, R>) {
         const long double b = right.Get(ex);
-        return Arithmetic(Op, left.Get(ex), b);
+        return f(left.Get(ex), b);
     } else {
         const long double a = left.Get(ex);
-        return Arithmetic(Op, a, right.Get(ex));
+        return f(a, right.Get(ex));
     }
+}
+
+template <TOp Op, class L, class R>
+long double Apply(TExec& ex, const L& left, const R& right)
+{
+    return Operands(ex, left, right, [](long double a, long double b) { return Arithmetic(Op, a, b); });
 }
 
 template <TOp Op, class L, class R>
 bool Holds(TExec& ex, const L& left, const R& right)
 {
-    if constexpr (kRightFirst<L, R>) {
-        const long double b = right.Get(ex);
-        return CompareNumbers(Op, left.Get(ex), b);
-    } else {
-        const long double a = left.Get(ex);
-        return CompareNumbers(Op, a, right.Get(ex));
-    }
+    return Operands(ex, left, right, [](long double a, long double b) { return CompareNumbers(Op, a, b); });
 }
 
 // `V := V op X` for a Number variable V of its own: one node instead of an assignment and an
