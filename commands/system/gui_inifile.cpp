@@ -222,7 +222,7 @@ void TDVCmdIniFiles::Start()
                                         "ihrer Kodierung kein Text sind"),
                                       {fields_.fileName}));
     }
-    if (!ini.ReadsBackAlike()) {
+    if (!ini.ReadsBackAlike(after)) {
         throw TDravikException(Format(_("Die INI-Datei %s kann nicht geschrieben werden: ohne die geänderte Zeile "
                                         "läse sie sich als UTF-8 statt als Windows-1252, und ihre übrigen "
                                         "Zeichen änderten sich"),

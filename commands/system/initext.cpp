@@ -66,12 +66,13 @@ QByteArray TIniText::Content() const
     return EncodeText(text, encoding_);
 }
 
-bool TIniText::ReadsBackAlike() const
+bool TIniText::ReadsBackAlike(const QByteArray& written) const
 {
     if (encoding_ != TIniEncoding::Windows1252) return true;
-    const QByteArray content = Content();
-    const bool ascii = std::all_of(content.begin(), content.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
-    return ascii || TIniText(content).Encoding() == TIniEncoding::Windows1252;
+    const bool ascii = std::all_of(written.begin(), written.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+    TIniEncoding again = encoding_;
+    DecodeText(written, again);
+    return ascii || again == TIniEncoding::Windows1252;
 }
 
 bool TIniText::CanHold(const QString& text) const

@@ -27,10 +27,10 @@ public:
     // Whether the file's bytes are text of its encoding: a UTF-8 mark before invalid bytes or a
     // UTF-16 file of odd length reads with replacement characters, which a write would store.
     bool Intact() const { return intact_; }
-    // Whether the lines as they are now read back in the file's encoding. A Windows-1252 file is
-    // told by bytes that are no UTF-8: once a change removes the last of them, its other
+    // Whether written, the file's Content() now, reads back in the file's encoding. A Windows-1252
+    // file is told by bytes that are no UTF-8: once a change removes the last of them, its other
     // characters would read as UTF-8 ("Ã" and a no-break space as "à").
-    bool ReadsBackAlike() const;
+    bool ReadsBackAlike(const QByteArray& written) const;
 
     // The value of a key: blanks around it removed and one pair of enclosing quotes taken off.
     std::optional<QString> ReadString(const QString& section, const QString& ident) const;

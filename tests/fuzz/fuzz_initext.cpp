@@ -54,9 +54,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
     if (erase) ini.DeleteKey(section, key);
     else ini.WriteString(section, key, value);
-    // The command refuses a change after which the file would read in another encoding.
-    if (!ini.ReadsBackAlike()) return 0;
     const QByteArray written = ini.Content();
+    // The command refuses a change after which the file would read in another encoding.
+    if (!ini.ReadsBackAlike(written)) return 0;
     const dv::TIniText again(written);
     // At most a new section: "[", "]", "=" and three line ends of two bytes (the one the file's
     // last line lacked, and one after each new line); a file with CRLF line ends also writes its
