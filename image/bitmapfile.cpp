@@ -77,17 +77,19 @@ QString Unreadable(const QString& path, const QString& reason)
 QImage ReadBitmap(const QString& path)
 {
     QFile file(path);
+    qint64 fileSize = 0;
     if (file.open(QIODevice::ReadOnly)) {
+        fileSize = file.size();
         const qint64 needed = BitmapFileSize(file);
-        if (file.size() < needed) {
+        if (fileSize < needed) {
             throw TDravikException(Unreadable(path, Format(_("die Datei ist unvollständig (%s von %s Bytes)"),
-                                                           {QString::number(file.size()), QString::number(needed)})));
+                                                           {QString::number(fileSize), QString::number(needed)})));
         }
         file.close();
     }
     QImageReader reader(path);
     const QSize size = reader.size();
-    if (!FitsTheFile(size, QFileInfo(path).size())) {
+    if (!FitsTheFile(size, fileSize)) {
         throw TDravikException(Unreadable(path, Format(_("das Bild ist zu groß für die Datei (%s × %s Bildpunkte)"),
                                                        {QString::number(size.width()), QString::number(size.height())})));
     }
